@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Two doubles.
+using SbVec2d = SbVec<double, 2>;

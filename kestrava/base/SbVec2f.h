@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Two floats.
+using SbVec2f = SbVec<float, 2>;

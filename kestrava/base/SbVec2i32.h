@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Two 32-bit integers.
+using SbVec2i32 = SbVec<std::int32_t, 2>;

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Four doubles.
+using SbVec4d = SbVec<double, 4>;

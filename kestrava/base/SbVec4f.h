@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Four floats.
+using SbVec4f = SbVec<float, 4>;

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "kestrava/base/SbVec.h"
+
+/// Four bytes.
+using SbVec4ub = SbVec<std::uint8_t, 4>;

@@ -1,0 +1,209 @@
+#include "kestrava/fields/SoFieldContainer.h"
+
+#include <mutex>
+#include <unordered_map>
+
+#include "kestrava/base/SoPath.h"
+#include "kestrava/io/SoInput.h"
+#include "kestrava/nodes/SoNode.h"
+#include "kestrava/sensors/SoNodeSensor.h"
+
+namespace {
+
+/// Net names are rare: they live beside the objects, not in them.
+std::unordered_map<SoFieldContainer const*, SbName>& netNames() {
+  static auto& names = *new std::unordered_map<SoFieldContainer const*, SbName>;
+  return names;
+}
+std::mutex netNameMutex;
+bool anyNetName = false;
+
+}  // namespace
+
+SoType SoFieldContainer::getClassTypeId() {
+  static SoType const type = SoType::createType(SoBase::getClassTypeId(), "FieldContainer");
+  return type;
+}
+
+SoFieldData& SoFieldContainer::getClassFieldData() const {
+  static SoFieldData data;
+  return data;
+}
+
+SoFieldContainer::~SoFieldContainer() {
+  for (int i = m_auditors.getLength(); i-- > 0; i = std::min(i, m_auditors.getLength())) {
+    if (m_auditors.getKind(i) == SoAuditorList::SENSOR) {
+      static_cast<SoNodeSensor*>(m_auditors.getObject(i))->attachedObjectDies();
+    }
+  }
+  if (anyNetName) setNetName(SbName());
+}
+
+int SoFieldContainer::addField(SoField* field, char const* name, std::vector<SoEnumSymbol> const* symbols) {
+  int const index = m_fieldCursor++;
+  SoFieldData& data = getClassFieldData();
+  if (index < data.getNumFields()) return index;
+  // The first instance of its class. Others may be under construction in other threads: the same field in
+  // the same place is entered once.
+  static std::mutex mutex;
+  std::lock_guard lock(mutex);
+  if (index == data.getNumFields()) {
+    data.m_entries.push_back({SbName(name), reinterpret_cast<char*>(field) - reinterpret_cast<char*>(this),
+                              symbols ? *symbols : std::vector<SoEnumSymbol>()});
+  }
+  return index;
+}
+
+void SoFieldContainer::adoptField(SoField* field, SbName const& name) {
+  field->m_container = this;
+  field->m_index = static_cast<std::uint16_t>(addField(field, name.c_str(), nullptr));
+}
+
+SoField* SoFieldContainer::getField(SbName const& name) const {
+  int const index = getFieldData()->getIndex(name);
+  return index < 0 ? nullptr : getField(index);
+}
+
+bool SoFieldContainer::set(char const* fieldsAndValues) {
+  SoInput in;
+  in.setBuffer(fieldsAndValues);
+  while (!in.atEnd()) {
+    SbString name;
+    if (!in.readWord(name)) break;
+    SoField* field = getField(SbName(name));
+    if (!field) {
+      in.failText("'" + name.str() + "' is not a field of " + getTypeId().getName().str());
+      break;
+    }
+    if (!field->readValue(in)) break;
+    field->valueChanged();
+  }
+  in.postError();
+  return !in.hasFailed();
+}
+
+bool SoFieldContainer::fieldsAreEqual(SoFieldContainer const& other) const {
+  if (getTypeId() != other.getTypeId() || getNumFields() != other.getNumFields()) return false;
+  for (int i = 0; i < getNumFields(); ++i) {
+    if (!getField(i)->isSame(*other.getField(i))) return false;
+  }
+  return true;
+}
+
+void SoFieldContainer::copyFieldValues(SoFieldContainer const& from, bool copyConnections) {
+  bool const notifyBefore = enableNotify(false);
+  for (int i = 0; i < from.getNumFields(); ++i) {
+    SoField* source = from.getField(i);
+    SoField* field = getField(i);
+    bool const wasDefault = source->isDefault();
+    field->copyFrom(*source);
+    field->setDefault(wasDefault);
+    field->setIgnored(source->isIgnored());
+    if (copyConnections && source->isConnected()) field->connectFrom(source->getConnectedField());
+  }
+  enableNotify(notifyBefore);
+  touch();
+}
+
+SbName SoFieldContainer::getNetName() const {
+  std::lock_guard lock(netNameMutex);
+  auto known = netNames().find(this);
+  return known == netNames().end() ? SbName() : known->second;
+}
+
+void SoFieldContainer::setNetName(SbName const& name) {
+  std::lock_guard lock(netNameMutex);
+  if (name.empty()) {
+    netNames().erase(this);
+  } else {
+    netNames()[this] = name;
+    anyNetName = true;
+  }
+}
+
+bool SoFieldContainer::enableNotify(bool on) { return std::exchange(m_notifyEnabled, on); }
+
+namespace {
+
+struct Deferred {
+  int depth;  // of the notification after which it is called
+  std::function<void()> function;
+};
+thread_local int notificationDepth = 0;
+thread_local std::vector<Deferred> deferred;
+
+/// Counts notifications inside notifications.
+struct NotificationDepth {
+  NotificationDepth() { ++notificationDepth; }
+  ~NotificationDepth() {
+    --notificationDepth;
+    while (!deferred.empty() && deferred.back().depth >= notificationDepth) {
+      auto const function = std::move(deferred.back().function);
+      deferred.pop_back();
+      function();
+    }
+  }
+};
+
+}  // namespace
+
+void SoFieldContainer::afterNotification(std::function<void()> function) {
+  deferred.push_back({notificationDepth, std::move(function)});
+}
+
+void SoFieldContainer::notify(SoNotification const& notification) {
+  NotificationDepth const depth;  // what waits for this notification is called even when nobody is told
+  if (!m_notifyEnabled) return;
+  static std::atomic<std::uint32_t> lastVisit{0};
+  std::uint32_t const visit = ++lastVisit;
+
+  struct Reached {
+    SoFieldContainer* container;
+    int from;  // index of the container below it
+  };
+  // One list a thread, used as a stack by changes made inside changes.
+  static thread_local std::vector<Reached> reached;
+  size_t const base = reached.size();
+  SoNodeSensor::Dispatch dispatch;
+
+  m_visit = visit;
+  reached.push_back({this, -1});
+  for (size_t i = base; i < reached.size(); ++i) {
+    SoFieldContainer* const container = reached[i].container;
+    container->changed(notification);
+    SoAuditorList const& auditors = container->m_auditors;
+    for (int k = 0, n = auditors.getLength(); k < n; ++k) {
+      void* const auditor = auditors.getObject(k);
+      SoFieldContainer* next = nullptr;
+      switch (auditors.getKind(k)) {
+        case SoAuditorList::PARENT: next = static_cast<SoNode*>(auditor); break;
+        case SoAuditorList::FIELD: {
+          auto* field = static_cast<SoField*>(auditor);
+          next = field->getContainer();
+          field->notifySensors();
+          break;
+        }
+        case SoAuditorList::SENSOR: {
+          auto* sensor = static_cast<SoNodeSensor*>(auditor);
+          SoRef<SoPath> path;
+          if (sensor->getTriggerPathFlag() && container->isOfType(SoNode::getClassTypeId())) {
+            path = SoRef<SoPath>(new SoPath(static_cast<SoNode*>(container)));
+            for (int below = reached[i].from; below >= 0; below = reached[base + below].from) {
+              auto* node = dynamic_cast<SoNode*>(reached[base + below].container);
+              if (node) path->appendNode(node);
+            }
+          }
+          dispatch.add(sensor, std::move(path));
+          break;
+        }
+        case SoAuditorList::PATH: break;
+      }
+      if (next && next->m_visit != visit && next->m_notifyEnabled) {
+        next->m_visit = visit;
+        reached.push_back({next, static_cast<int>(i - base)});
+      }
+    }
+  }
+  reached.resize(base);
+  dispatch.run(notification);
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "kestrava/fields/SoMFInt32.h"
+#include "kestrava/nodes/SoNonIndexedShape.h"
+
+/// Polygons of any number of corners.
+class SoFaceSet : public SoNonIndexedShape {
+  SO_NODE(SoFaceSet, SoNonIndexedShape)
+  SoMFInt32 numVertices{this, "numVertices", -1}; ///< corners of each; -1 is all that are left
+
+  void buildMesh(SoState const& state, SoMesh& mesh) const override;
+
+ protected:
+  int countCoordinates(int available) const override;
+  ~SoFaceSet() override = default;
+};

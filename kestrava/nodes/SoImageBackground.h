@@ -1,0 +1,41 @@
+#pragma once
+
+#include "kestrava/base/SbImage.h"
+#include "kestrava/fields/SoSFEnum.h"
+#include "kestrava/fields/SoSFImage.h"
+#include "kestrava/fields/SoSFString.h"
+#include "kestrava/nodes/SoBackground.h"
+
+/// Fills the window with an image.
+class SoImageBackground : public SoBackground {
+  SO_NODE(SoImageBackground, SoBackground)
+  enum Style { NONE, CENTER, LOWER_LEFT, UPPER_LEFT, UPPER_RIGHT, LOWER_RIGHT, STRETCH, TILE, CROP };
+  static std::vector<SoEnumSymbol> const& styles() {
+    static std::vector<SoEnumSymbol> const symbols{{"NONE", NONE},
+                                                   {"CENTER", CENTER},
+                                                   {"LOWER_LEFT", LOWER_LEFT},
+                                                   {"UPPER_LEFT", UPPER_LEFT},
+                                                   {"UPPER_RIGHT", UPPER_RIGHT},
+                                                   {"LOWER_RIGHT", LOWER_RIGHT},
+                                                   {"STRETCH", STRETCH},
+                                                   {"TILE", TILE},
+                                                   {"CROP", CROP}};
+    return symbols;
+  }
+
+  SoSFString filename{this, "filename"}; ///< looked for in the search path
+  SoSFImage image{this, "image"};        ///< counts while there is no filename
+  SoSFEnum style{this, "style", TILE, styles()};
+
+  /// The image of the file, or else of the field; empty when there is none. A file that can not be read is
+  /// posted once as a read error.
+  SbImage getImage() const;
+
+ protected:
+  void fieldChanged(SoField* field) override;
+  ~SoImageBackground() override = default;
+
+ private:
+  mutable SbImage m_fileImage;
+  mutable bool m_fileAsked = false;
+};

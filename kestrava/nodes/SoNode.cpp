@@ -1,0 +1,71 @@
+#include "kestrava/nodes/SoNode.h"
+
+#include <unordered_set>
+
+#include "kestrava/fields/SoMFInstanceParameter.h"
+#include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoMFUniformShaderParameter.h"
+#include "kestrava/fields/SoSFBool.h"
+#include "kestrava/fields/SoSFNode.h"
+
+std::uint64_t SoNode::nextNodeId() {
+  static std::atomic<std::uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
+namespace {
+
+SoSFBool* overrideField(SoNode const* node) {
+  static SbName const name("override");
+  SoField* field = node->getField(name);
+  return field && field->isOfType(SoSFBool::getClassTypeId()) ? static_cast<SoSFBool*>(field) : nullptr;
+}
+
+bool canHoldNodes(SoNode const* node) {
+  if (node->getChildren()) return true;
+  for (int i = 0; i < node->getNumFields(); ++i) {
+    SoType const type = node->getField(i)->getTypeId();
+    if (type.isDerivedFrom(SoSFNode::getClassTypeId()) || type.isDerivedFrom(SoMFNode::getClassTypeId()) ||
+        type.isDerivedFrom(SoMFUniformShaderParameter::getClassTypeId()) ||
+        type.isDerivedFrom(SoMFInstanceParameter::getClassTypeId())) {
+      return true;
+    }
+  }
+  return false;
+}
+
+} // namespace
+
+bool SoNode::closesCircle(SoFieldContainer const* holder, SoNode const* held) {
+  if (holder == held) return true;
+  if (holder->getAuditors().getLength() == 0 || !canHoldNodes(held)) return false;
+  std::vector<SoFieldContainer const*> above{holder};
+  std::unordered_set<SoFieldContainer const*> seen{holder};
+  while (!above.empty()) {
+    SoAuditorList const& auditors = above.back()->getAuditors();
+    above.pop_back();
+    for (int i = 0; i < auditors.getLength(); ++i) {
+      void* const auditor = auditors.getObject(i);
+      SoFieldContainer const* next = nullptr;
+      if (auditors.getKind(i) == SoAuditorList::PARENT) next = static_cast<SoNode*>(auditor);
+      if (auditors.getKind(i) == SoAuditorList::FIELD) next = static_cast<SoField*>(auditor)->getContainer();
+      if (next == held) return true;
+      if (next && seen.insert(next).second) above.push_back(next);
+    }
+  }
+  return false;
+}
+
+bool SoNode::isOverride() const {
+  SoSFBool const* field = overrideField(this);
+  return field && field->getValue();
+}
+
+void SoNode::setOverride(bool on) {
+  SoSFBool* field = overrideField(this);
+  if (field && field->getValue() != on) field->setValue(on);
+}
+
+SoNode* SoNode::getByName(SbName const& name) {
+  return static_cast<SoNode*>(getNamedBase(name, SoNode::getClassTypeId()));
+}

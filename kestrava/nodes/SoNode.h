@@ -1,0 +1,44 @@
+#pragma once
+
+#include "kestrava/fields/SoFieldContainer.h"
+
+class SoChildList;
+
+/// Declares a node class; stands first in it.
+#define SO_NODE(Class, Parent) SO_CONTAINER(Class, Parent)
+#define SO_ABSTRACT_NODE(Class, Parent) SO_ABSTRACT_CONTAINER(Class, Parent)
+
+/// Base of everything that stands in a scene graph. What a node does to an action is registered with the
+/// action (SoAction::addMethod), not written here.
+class SoNode : public SoFieldContainer {
+  SO_ABSTRACT_NODE(SoNode, SoFieldContainer)
+
+  /// The full list of children, hidden ones of kits, files and inlines included; null for a node that has no
+  /// child list.
+  virtual SoChildList* getChildren() const { return nullptr; }
+
+  /// Number of this node's present state, never 0: it changes with every change of the node or of anything
+  /// below it, and no two states of any nodes share one.
+  std::uint64_t getNodeId() const { return m_nodeId; }
+
+  /// True for nodes with a field "override" that is set: properties of the same kind further down are then
+  /// without effect.
+  bool isOverride() const;
+  /// Does nothing for a node without that field. Notifies.
+  void setOverride(bool on);
+
+  /// True when `holder` is `held` or stands somewhere below it, so that holding it would close a circle.
+  static bool closesCircle(SoFieldContainer const* holder, SoNode const* held);
+
+  /// The latest node of that name, null when there is none.
+  static SoNode* getByName(SbName const& name);
+
+ protected:
+  SoNode() = default;
+  ~SoNode() override = default;
+  void changed(SoNotification const&) override { m_nodeId = nextNodeId(); }
+
+ private:
+  static std::uint64_t nextNodeId();
+  std::uint64_t m_nodeId = nextNodeId();
+};

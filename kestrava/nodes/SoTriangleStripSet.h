@@ -1,0 +1,16 @@
+#pragma once
+
+#include "kestrava/fields/SoMFInt32.h"
+#include "kestrava/nodes/SoNonIndexedShape.h"
+
+/// Strips of triangles.
+class SoTriangleStripSet : public SoNonIndexedShape {
+  SO_NODE(SoTriangleStripSet, SoNonIndexedShape)
+  SoMFInt32 numVertices{this, "numVertices", -1}; ///< corners of each; -1 is all that are left
+
+  void buildMesh(SoState const& state, SoMesh& mesh) const override;
+
+ protected:
+  int countCoordinates(int available) const override;
+  ~SoTriangleStripSet() override = default;
+};

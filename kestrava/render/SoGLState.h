@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+
+/// Remembers the OpenGL state that the renderer changes and puts it back at the end of its life, so that a
+/// host that draws with the same context finds everything as it was.
+class SoGLState {
+ public:
+  SoGLState();
+  ~SoGLState();
+  SoGLState(SoGLState const&) = delete;
+  SoGLState& operator=(SoGLState const&) = delete;
+
+ private:
+  struct Switch {
+    unsigned name;
+    bool on;
+  };
+  struct Unit {
+    int texture, bufferTexture, sampler;
+  };
+  struct Block {
+    int buffer, start, size;
+  };
+  std::array<Switch, 15> m_switches;
+  std::array<Unit, 2> m_units;
+  std::array<Block, 2> m_blocks;
+  int m_program, m_vertexArray, m_arrayBuffer, m_uniformBuffer, m_textureBuffer, m_activeTexture, m_alignment;
+  int m_viewport[4], m_scissor[4], m_polygonMode[2], m_blend[4], m_blendEquation[2];
+  int m_depthFunction, m_cullFace, m_frontFace;
+  float m_clearColor[4], m_lineWidth;
+  unsigned char m_depthMask, m_colorMask[4];
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include "kestrava/render/SoDrawContents.h"
+
+/// The images that a renderer has on the GPU, with mipmaps, one for all users of the same pixels.
+class SoGLTextures {
+ public:
+  /// Binds an image to the active unit, uploading it first if need be. 0, nothing bound, when it is too large.
+  bool bind(int unit, SbImage const& image, bool repeatS, bool repeatT);
+  /// Between these two every image that bind() or keep() is not called for is given up.
+  void beginSweep();
+  void keep(SbImage const& image);
+  void endSweep();
+  void release();
+  /// The context is gone and the names with it.
+  void forget();
+
+ private:
+  struct Entry {
+    unsigned name = 0;
+    bool used = true;
+  };
+  unsigned nameOf(SbImage const& image);
+
+  std::unordered_map<std::shared_ptr<SbImage::Bytes const>, Entry> m_entries;
+  unsigned m_samplers[4] = {};
+};

@@ -1,0 +1,59 @@
+#include "kestrava_qt/SoQt.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QThread>
+#include <QTimer>
+
+#include "kestrava/sensors/SoSensorManager.h"
+
+namespace {
+
+/// Lives as long as the application at most.
+class Pump : public QObject {
+ public:
+  explicit Pump(QObject* parent) : QObject(parent) {
+    m_next.setSingleShot(true);
+    m_next.setInterval(0);
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(20);
+    connect(&m_next, &QTimer::timeout, this, [this] { work(false); });
+    connect(&m_idle, &QTimer::timeout, this, [this] { work(true); });
+    SoSensorManager::setQueueChangedCallback([this] {
+      if (QThread::currentThread() == thread()) {
+        startTimers();
+      } else {
+        QMetaObject::invokeMethod(this, [this] { startTimers(); }, Qt::QueuedConnection);
+      }
+    });
+    startTimers();
+  }
+  ~Pump() override { SoSensorManager::setQueueChangedCallback(nullptr); }
+
+ private:
+  void work(bool isIdle) {
+    SoSensorManager::processDelayQueue(isIdle);
+    startTimers();
+  }
+  void startTimers() {
+    if (SoSensorManager::hasPending(false)) {
+      if (!m_next.isActive()) m_next.start();
+    } else if (SoSensorManager::hasPending(true) && !m_idle.isActive()) {
+      m_idle.start();
+    }
+  }
+  QTimer m_next, m_idle;
+};
+
+QPointer<Pump>& pump() {
+  static QPointer<Pump> instance;
+  return instance;
+}
+
+}  // namespace
+
+void SoQt::init(QWidget*) {
+  if (!pump() && QCoreApplication::instance()) pump() = new Pump(QCoreApplication::instance());
+}
+
+void SoQt::finish() { delete pump(); }

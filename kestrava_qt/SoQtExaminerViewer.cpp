@@ -1,0 +1,178 @@
+#include "kestrava_qt/SoQtExaminerViewer.h"
+
+#include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QWidget>
+#include <cmath>
+
+#include "kestrava/nodes/SoOrthographicCamera.h"
+#include "kestrava/nodes/SoPerspectiveCamera.h"
+#include "kestrava_qt/SoCameraMotion.h"
+#include "kestrava_qt/SoQt.h"
+#include "kestrava_qt/SoQtCanvas.h"
+
+SoQtExaminerViewer::SoQtExaminerViewer(QWidget* parent, char const* name)
+    : m_area(new SoGuiRenderArea), m_widget(new QWidget(parent)), m_camera(new SoPerspectiveCamera) {
+  SoQt::init(parent);
+  m_widget->setObjectName(QLatin1String(name));
+  m_widget->setFocusPolicy(Qt::StrongFocus);
+  m_widget->setMinimumSize(120, 120);
+  auto* const layout = new QHBoxLayout(m_widget);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  SoSceneManager* const manager = getSceneManager();
+  m_canvas = SoQtCanvas::make(manager, [this] { beforeFrame(); }, m_widget);
+  layout->addWidget(getViewWidget(), 1);
+  makeButtons();
+  getViewWidget()->setObjectName(QStringLiteral("view"));
+  getViewWidget()->installEventFilter(this);
+  m_widget->installEventFilter(this);
+  m_flight.setDuration(300);
+  m_flight.setEasingCurve(QEasingCurve::InOutQuad);
+  setCamera(m_camera);
+  saveHomePosition();
+  auto redraw = [](void* data, SoSceneManager*) {
+    if (QWidget* const view = static_cast<SoQtExaminerViewer*>(data)->getViewWidget()) view->update();
+  };
+  manager->setRenderCallback(redraw, this);
+  updateCursor();
+}
+
+SoQtExaminerViewer::~SoQtExaminerViewer() {
+  m_flight.stop();
+  getSceneManager()->setRenderCallback(nullptr);
+  m_canvas.reset();
+  delete m_widget;
+}
+
+QWidget* SoQtExaminerViewer::getViewWidget() const { return m_canvas->getWidget(); }
+
+// What a frame is made of.
+
+void SoQtExaminerViewer::beforeFrame() {
+  SoGLRenderAction* const action = getSceneManager()->getGLRenderAction();
+  action->setFitDepth(true);
+  if (m_headlightSet) action->setHeadlight(m_headlight ? SoGLRenderer::ON : SoGLRenderer::OFF);
+}
+
+void SoQtExaminerViewer::setHeadlight(bool on) {
+  m_headlightSet = true;
+  m_headlight = on;
+  getSceneManager()->scheduleRedraw();
+}
+
+void SoQtExaminerViewer::setTransparencyType(SoGLRenderAction::Transparency type) {
+  getSceneManager()->getGLRenderAction()->setTransparencyType(type);
+  getSceneManager()->scheduleRedraw();
+}
+
+void SoQtExaminerViewer::setBackgroundColor(SbColor const& color) {
+  getSceneManager()->setBackgroundColorRGBA(SbColorRGBA(color, 1));
+}
+
+// The camera.
+
+void SoQtExaminerViewer::setSceneGraph(SoNode* root) {
+  SoSceneManager* const manager = getSceneManager();
+  manager->setSceneGraph(root);
+  SoGLRenderAction* const action = manager->getGLRenderAction();
+  manager->setUp(*action);
+  action->prepare(root);
+  SoCamera* const inScene = action->getDrawList().getCamera();
+  if (!inScene) {
+    viewAll();
+    saveHomePosition();
+    return;
+  }
+  SoRef<SoCamera> own(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(inScene->getTypeId().createInstance())));
+  own->copyFieldValues(*inScene);
+  SbMatrix const& matrix = action->getDrawList().getCameraMatrix();
+  if (!matrix.isIdentity()) {
+    SbVec3f translation, scale;
+    SbRotation rotation, scaleOrientation;
+    matrix.getTransform(translation, rotation, scale, scaleOrientation);
+    own->position = matrix.multVecMatrix(own->position.getValue());
+    own->orientation = own->orientation.getValue() * rotation;
+  }
+  own->viewportMapping = SoCamera::ADJUST_CAMERA;
+  setCamera(own);
+  saveHomePosition();
+}
+
+void SoQtExaminerViewer::setCamera(SoCamera* camera) {
+  if (!camera) return;
+  m_flight.stop();
+  m_camera = SoRef<SoCamera>(camera);
+  getSceneManager()->setCamera(camera);
+  if (m_projectionButton) m_projectionButton->setChecked(camera->isOfType(SoOrthographicCamera::getClassTypeId()));
+}
+
+void SoQtExaminerViewer::viewAll() {
+  SoSceneManager* const manager = getSceneManager();
+  SoGLRenderAction* const action = manager->getGLRenderAction();
+  m_flight.stop();
+  manager->setUp(*action);
+  action->prepare(manager->getSceneGraph());
+  m_camera->viewAll(action->getDrawList().getBounds(), aspect());
+}
+
+void SoQtExaminerViewer::saveHomePosition() {
+  m_home = SoRef<SoCamera>(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(m_camera->getTypeId().createInstance())));
+  m_home->copyFieldValues(*m_camera);
+}
+
+void SoQtExaminerViewer::resetToHomePosition() {
+  SoRef<SoCamera> home(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(m_home->getTypeId().createInstance())));
+  home->copyFieldValues(*m_home);
+  setCamera(home);
+}
+
+void SoQtExaminerViewer::togglePerspective() {
+  SoRef<SoCamera> const other(SoCameraMotion::makeOtherProjection(*m_camera));
+  setCamera(other);
+}
+
+bool SoQtExaminerViewer::seekToPoint(SbVec2s position) {
+  SoSceneManager* const manager = getSceneManager();
+  SoGLRenderAction* const action = manager->getGLRenderAction();
+  manager->setUp(*action);
+  action->prepare(manager->getSceneGraph());
+  SbViewportRegion const& region = manager->getViewportRegion();
+  SbLine const ray = action->getViewVolume().projectPointToLine(region.normalize(position));
+  SoDrawList::Hit const hit = action->getDrawList().intersect(ray);
+  if (hit.item < 0) return false;
+  SbVec3f const ahead = m_camera->orientation.getValue().multVec(SbVec3f(0, 0, -1));
+  float distance = m_camera->focalDistance.getValue(), height = 1;
+  if (m_camera->isOfType(SoPerspectiveCamera::getClassTypeId())) {
+    distance = std::max((hit.point - m_camera->position.getValue()).length() / 2, 1e-6f);
+  } else {
+    height = 0.5f;
+  }
+  fly(hit.point - ahead * distance, distance, height);
+  return true;
+}
+
+/// Moves the camera there in a short time; `height` is the factor for an orthographic one.
+void SoQtExaminerViewer::fly(SbVec3f const& position, float focalDistance, float height) {
+  m_flight.stop();
+  m_flight.disconnect(this);
+  SbVec3f const start = m_camera->position.getValue();
+  float const startDistance = m_camera->focalDistance.getValue();
+  auto* const flat = dynamic_cast<SoOrthographicCamera*>(m_camera.get());
+  float const startHeight = flat ? flat->height.getValue() : 0;
+  m_flight.setStartValue(0.0f);
+  m_flight.setEndValue(1.0f);
+  SoRef<SoCamera> const camera = m_camera;
+  connect(&m_flight, &QVariantAnimation::valueChanged, this, [=](QVariant const& value) {
+    float const t = value.toFloat();
+    camera->position = start + (position - start) * t;
+    camera->focalDistance = startDistance + (focalDistance - startDistance) * t;
+    if (flat) flat->height = startHeight * (1 + (height - 1) * t);
+  });
+  m_flight.start();
+}
+
+float SoQtExaminerViewer::aspect() const {
+  QWidget const* const view = getViewWidget();
+  return view && view->height() > 0 ? static_cast<float>(view->width()) / static_cast<float>(view->height()) : 1;
+}

@@ -1,0 +1,153 @@
+// What plug-ins find: shell, services, plug-in manager.
+
+#include <QAction>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QWidget>
+
+#include "kestrava/base/SoError.h"
+#include "kestrava/nodes/SoCube.h"
+#include "kestrava/nodes/SoGroup.h"
+#include "kestrava/nodes/SoSeparator.h"
+#include "tests/vantle/VantleTest.h"
+#include "vantle/frame/SoVantleMainFrame.h"
+#include "vantle/session/QtText.h"
+#include "vantle/session/VntServicesImpl.h"
+#include "vantle/session/VntShellImpl.h"
+#include "vnt/VntExtension.h"
+#include "vnt/VntPluginsManager.h"
+
+namespace {
+
+using ShellTest = VantleTest;
+
+struct Panel : VntExtension {
+  SbString getName() const override { return "Panel"; }
+  SbString getInfo() const override { return SbString::fromLatin1("Gr\xf6\xdf" "e"); }
+  void show() override { ++shown; }
+  void hide() override { ++hidden; }
+  int shown = 0, hidden = 0;
+};
+
+/// The errors that the toolkit is told while this lives.
+template <class Error>
+struct Errors {
+  Errors() { Error::setHandlerCallback(take, this); }
+  ~Errors() { Error::setHandlerCallback(nullptr); }
+  static void take(SoError const* error, void* self) {
+    static_cast<Errors*>(self)->texts << toQString(error->getDebugString());
+  }
+  QStringList texts;
+};
+
+TEST_F(ShellTest, ContextMenusFollowTheTypes) {
+  start();
+  VntShell* const shell = VntShell::getInstance();
+  QMenu derived, second, exact;
+  shell->registerContextualMenu(SoGroup::getClassTypeId(), false, &derived);
+  shell->registerContextualMenu(SoGroup::getClassTypeId(), false, &second);
+  shell->registerContextualMenu(SoGroup::getClassTypeId(), true, &exact);
+
+  QList<QMenu*> const forSeparator = shell->getContextualMenus(SoSeparator::getClassTypeId());
+  EXPECT_EQ(forSeparator.size(), 2);
+  EXPECT_TRUE(forSeparator.contains(&derived) && forSeparator.contains(&second));
+  EXPECT_EQ(shell->getContextualMenus(SoGroup::getClassTypeId()).last(), &exact);
+  EXPECT_TRUE(shell->getContextualMenus(SoCube::getClassTypeId()).isEmpty());
+
+  shell->unregisterContextualMenu(&derived);
+  shell->unregisterContextualMenu(&derived);
+  EXPECT_EQ(shell->getContextualMenus(SoSeparator::getClassTypeId()), QList<QMenu*>{&second});
+}
+
+TEST_F(ShellTest, ViewMenuShowsAndHidesAnExtension) {
+  start();
+  VntShell* const shell = VntShell::getInstance();
+  Panel panel;
+  shell->registerViewMenu(&panel, 1);
+  QAction* const entry = frame()->getViewMenu()->actions().last();
+  EXPECT_EQ(entry->text(), QString::fromUtf8("Größe"));
+  EXPECT_TRUE(entry->isChecked());
+  entry->trigger();
+  EXPECT_EQ(panel.hidden, 1);
+  entry->trigger();
+  EXPECT_EQ(panel.shown, 1);
+  shell->unregisterViewMenu(&panel);
+  EXPECT_FALSE(frame()->getViewMenu()->actions().contains(entry));
+  shell->unregisterViewMenu(&panel);
+}
+
+TEST_F(ShellTest, TheFirstPreferencePageOfAnExtensionWins) {
+  start();
+  VntShell* const shell = VntShell::getInstance();
+  Panel panel;
+  QWidget first, second;
+  char const* const text = "1init()";
+  shell->registerPreferencePanel(&panel, &first, text, nullptr);
+  shell->registerPreferencePanel(&panel, &second, nullptr, nullptr);
+  auto const pages = VntShellImpl::getImplInstance()->getPreferencePanel();
+  ASSERT_EQ(pages.size(), 1);
+  EXPECT_EQ(pages[&panel].page, &first);
+  EXPECT_EQ(pages[&panel].initSlot, text);
+  shell->unregisterPreferencePanel(&panel);
+  EXPECT_TRUE(VntShellImpl::getImplInstance()->getPreferencePanel().isEmpty());
+}
+
+TEST_F(ShellTest, ASecondShellIsRefused) {
+  start();
+  Errors<SoError> errors;
+  VntShell* const shell = VntShell::getInstance();
+  VntShellImpl::createInstance(0);
+  EXPECT_EQ(errors.texts, QStringList{"VntShellImpl::createInstance, instance already exists."});
+  EXPECT_EQ(VntShell::getInstance(), shell);
+}
+
+TEST_F(ShellTest, ServicesStoreBeforeTheyTell) {
+  start();
+  VntServices* const services = VntServices::getInstance();
+  SoRef<SoNode> const scene(new SoSeparator), node(new SoCube);
+  SoNode* seenScene = nullptr;
+  SoField* seenField = nullptr;
+  QObject::connect(services, &VntServices::sceneGraphChanged, [&] { seenScene = services->getSceneGraph(); });
+  QObject::connect(services, &VntServices::selectedFieldChanged, [&] { seenField = services->getSelectedField(); });
+  services->setSceneGraph(scene);
+  EXPECT_EQ(seenScene, scene.get());
+  services->setSelectedField(node->getField(0));
+  EXPECT_EQ(seenField, node->getField(0));
+  services->setSelectedField(nullptr);
+  QSignalSpy nodes(services, &VntServices::selectedNodeChanged);
+  services->setSelectedNode(node);
+  EXPECT_EQ(nodes.size(), 1);
+  EXPECT_EQ(services->getSelectedNode(), node.get());
+  services->setSelectedNode(nullptr);
+}
+
+TEST(PluginsManagerTest, SaysWhatIsWrongWithAConfiguration) {
+  QTemporaryDir folder;
+  QByteArray const missing =
+      "<?xml version=\"1.0\"?><configuration><plugins><loadPlugin file=\"no_such_module\"/></plugins>"
+      "</configuration>";
+  QFile file(folder.filePath("c.xml"));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(missing);
+  file.close();
+  struct Case {
+    SbString source;
+    bool isFile, isRead;
+    char const* complaint;  // null: none
+  } const cases[] = {
+      {toSbString(file.fileName()), true, true, "no_such_module"},
+      {SbString(missing.toStdString()), false, true, nullptr},
+      {"<configuration><plugins>", false, false, "built-in configuration:1:"},
+      {"<other/>", false, false, "\"other\""},
+      {toSbString(folder.filePath("none.xml")), true, false, "none.xml"},
+  };
+  for (Case const& c : cases) {
+    Errors<SoDebugError> errors;
+    EXPECT_EQ(VntPluginsManager::getInstance()->read(c.source, c.isFile), c.isRead) << c.source.str();
+    EXPECT_EQ(errors.texts.size(), c.complaint ? 1 : 0) << c.source.str();
+    EXPECT_TRUE(errors.texts.value(0).contains(c.complaint ? c.complaint : "")) << qPrintable(errors.texts.value(0));
+  }
+  VntPluginsManager::releaseInstance();
+}
+
+} // namespace

@@ -1,0 +1,189 @@
+#include "vantle/tree/SoReferencedNodeManager.h"
+
+#include <algorithm>
+#include <map>
+
+#include "kestrava/actions/SoSearchAction.h"
+#include "kestrava/kits/SoBaseKit.h"
+#include "vantle/tree/SoSortedItemList.h"
+#include "vantle/tree/SoTreeViewItem.h"
+#include "vantle/tree/SoVantleTreeView.h"
+
+namespace {
+
+QString keyOf(SoNode const* node) { return QString::number(reinterpret_cast<quintptr>(node)); }
+
+}  // namespace
+
+SoReferencedNodeManager::SoReferencedNodeManager(SoVantleTreeView* view, SoNode* root)
+    : m_root(root), m_search(std::make_unique<SoSearchAction>()), m_view(view) {}
+
+SoReferencedNodeManager::~SoReferencedNodeManager() {
+  clearNodeMap();
+  reset();
+}
+
+bool SoReferencedNodeManager::belongsInNodeMap(SoTreeViewItem const* item) {
+  return item->fromSubTreeField() && !item->baseKitPart();
+}
+
+void SoReferencedNodeManager::addItem(SoTreeViewItem* item) {
+  if (!item || !item->getNode()) return;
+  m_index.add(item);
+  if (belongsInNodeMap(item)) {
+    QString const key = keyOf(item->getNode());
+    SoSortedItemList* list = m_nodeMap.value(key);
+    if (!list) m_nodeMap.insert(key, list = new SoSortedItemList);
+    list->addRef(item);
+  }
+}
+
+void SoReferencedNodeManager::removeItem(SoTreeViewItem* item) {
+  if (!item) return;
+  removeSubTreeFromMap(item);
+  removeSingleItem(item);
+}
+
+void SoReferencedNodeManager::removeSubTreeFromMap(SoTreeViewItem* item) {
+  std::vector<SoTreeViewItem*> below{item};
+  for (std::size_t i = 0; i < below.size(); ++i) {
+    for (int k = 0, n = below[i]->childCount(); k < n; ++k) below.push_back(below[i]->rawChild(k));
+  }
+  while (below.size() > 1) {
+    removeSingleItem(below.back());
+    below.pop_back();
+  }
+}
+
+void SoReferencedNodeManager::removeSingleItem(SoTreeViewItem* item) {
+  m_index.remove(item);
+  if (!m_referenced.isEmpty()) {
+    if (QList<SoTreeViewItem*>* list = getAllReferencedItems(item)) list->removeOne(item);
+  }
+  if (m_nodeMap.isEmpty() || !belongsInNodeMap(item)) return;
+  QString const key = keyOf(item->getNode());
+  SoSortedItemList* const list = m_nodeMap.value(key);
+  if (!list) return;
+  list->removeRef(item);
+  if (!list->isEmpty()) return;
+  m_nodeMap.remove(key);
+  delete list;
+}
+
+void SoReferencedNodeManager::setReferencedList(SoTreeViewItem* item) {
+  if (!item || item->getRefCount() < 2 || getAllReferencedItems(item)) return;
+  auto* const list = new QList<SoTreeViewItem*>;
+  getAllItems(item->getNode(), *list);
+  m_referenced.insert(keyOf(item->getNode()), list);
+}
+
+void SoReferencedNodeManager::removeReferencedList(SoTreeViewItem* item) {
+  if (item) delete m_referenced.take(keyOf(item->getNode()));
+}
+
+QList<SoTreeViewItem*>* SoReferencedNodeManager::getAllReferencedItems(SoTreeViewItem* item) const {
+  return item ? m_referenced.value(keyOf(item->getNode())) : nullptr;
+}
+
+SoTreeViewItem* SoReferencedNodeManager::step(SoTreeViewItem* item, int direction) const {
+  QList<SoTreeViewItem*> const* const list = getAllReferencedItems(item);
+  if (!list || list->isEmpty()) return nullptr;
+  auto const count = list->size();
+  auto at = list->indexOf(item);
+  if (at < 0 && direction < 0) at = 0;
+  for (qsizetype tries = 0; tries < count; ++tries) {
+    at = (at + direction + count) % count;
+    SoTreeViewItem* const found = list->at(at);
+    if (found->listView() && found->isInSceneGraph()) return found;
+  }
+  return nullptr;
+}
+
+SoTreeViewItem* SoReferencedNodeManager::getNextRefItem(SoTreeViewItem* item) const { return step(item, 1); }
+SoTreeViewItem* SoReferencedNodeManager::getPreviousRefItem(SoTreeViewItem* item) const { return step(item, -1); }
+
+void SoReferencedNodeManager::searchAllReferencedItems(SoNode* node, QList<SoTreeViewItem*>& list) {
+  if (!node || !m_root) return;
+  bool const searchedKits = SoBaseKit::isSearchingChildren();
+  SoBaseKit::setSearchingChildren(true);
+  m_search->setNode(node);
+  m_search->setInterest(SoSearchAction::ALL);
+  m_search->setSearchingAll(true);
+  m_search->apply(m_root);
+  SoSortedItemList found;
+  for (auto const& path : m_search->getPaths()) {
+    if (SoTreeViewItem* item = m_view->getItemFromPath(path, 0)) found.addRef(item);
+  }
+  found.toList(list);
+  m_search->reset();
+  SoBaseKit::setSearchingChildren(searchedKits);
+}
+
+void SoReferencedNodeManager::getAllItems(SoNode* node, QList<SoTreeViewItem*>& list) const {
+  SoSortedItemList found;
+  for (SoTreeViewItem* item : rowsOf(node)) found.addRef(item);
+  found.toList(list);
+}
+
+QString SoReferencedNodeManager::familyKey(SoTreeViewItem const* item) {
+  return keyOf(item->getParentNode()) + QStringLiteral("+%1").arg(item->getSceneIndex());
+}
+
+void SoReferencedNodeManager::searchItemFamilies(SoNode* node, QList<QList<SoTreeViewItem*>*>& families) const {
+  QList<SoTreeViewItem*> items;
+  getAllItems(node, items);
+  std::map<QString, QList<SoTreeViewItem*>*> byKey;
+  for (SoTreeViewItem* item : items) {
+    QList<SoTreeViewItem*>*& family = byKey[familyKey(item)];
+    if (!family) families.append(family = new QList<SoTreeViewItem*>);
+    family->append(item);
+  }
+}
+
+void SoReferencedNodeManager::searchItemFamily(SoNode* node, SoNode* parent, int sceneIndex,
+                                               QList<SoTreeViewItem*>& rows) const {
+  QList<SoTreeViewItem*> items;
+  getAllItems(node, items);
+  for (SoTreeViewItem* item : items) {
+    if (item->getParentNode() == parent && item->getSceneIndex() == sceneIndex) rows.append(item);
+  }
+}
+
+void SoReferencedNodeManager::getDuplicatedItemsSets(SoTreeViewItem* item,
+                                                     QList<QList<SoTreeViewItem*>*>& families) const {
+  if (item) searchItemFamilies(item->getNode(), families);
+}
+
+void SoReferencedNodeManager::getDuplicatedItemsSets(SoNode* node, QList<QList<SoTreeViewItem*>*>& families) const {
+  searchItemFamilies(node, families);
+}
+
+void SoReferencedNodeManager::getDuplicatedItemsSet(SoTreeViewItem* item, QList<SoTreeViewItem*>& rows) const {
+  if (item) searchItemFamily(item->getNode(), item->getParentNode(), item->getSceneIndex(), rows);
+}
+
+void SoReferencedNodeManager::getDuplicatedItemsSet(SoNode* node, SoNode* parent, int sceneIndex,
+                                                    QList<SoTreeViewItem*>& rows) const {
+  searchItemFamily(node, parent, sceneIndex, rows);
+}
+
+int SoReferencedNodeManager::nodeMapCount(SoNode const* node) const {
+  SoSortedItemList* const list = m_nodeMap.value(keyOf(node));
+  if (!list) return 0;
+  list->sortList();
+  return list->count();
+}
+
+void SoReferencedNodeManager::clearNodeMap() {
+  qDeleteAll(m_nodeMap);
+  m_nodeMap.clear();
+  // The lists for walking would keep rows that go now.
+  for (QList<SoTreeViewItem*>* list : std::as_const(m_referenced)) list->clear();
+  m_index.clear();
+}
+
+void SoReferencedNodeManager::reset() {
+  qDeleteAll(m_referenced);
+  m_referenced.clear();
+  m_search->reset();
+}

@@ -1,0 +1,225 @@
+#include "vantle/tree/SoVantleTreeView.h"
+
+#include <QHeaderView>
+
+#include "kestrava/base/SoPath.h"
+#include "kestrava/nodes/SoSelection.h"
+#include "vantle/frame/SoCommandManager.h"
+#include "vantle/prefs/SoTreeViewState.h"
+#include "vantle/prefs/SoVantleStateManager.h"
+#include "vantle/prefs/TreeViewConfig.h"
+#include "vantle/session/VntServicesImpl.h"
+#include "vantle/tree/SoGraphTopologyManager.h"
+#include "vantle/tree/SoReferencedNodeManager.h"
+#include "vantle/tree/SoTreeViewItem.h"
+
+namespace {
+
+char const styleText[] = R"(
+QTreeView { show-decoration-selected: 0; }
+QTreeView::item { height: 27px; border: none; }
+QTreeView::item:hover {
+  background: qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #e7effd, stop: 1 #cbdaf1);
+}
+QTreeView::item:selected:active, QTreeView::branch:selected:active {
+  background: qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #6ea1f1, stop: 1 #567dbc);
+}
+QTreeView::item:selected:!active, QTreeView::branch:selected:!active {
+  background: qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #6b9be8, stop: 1 #577fbf);
+}
+QTreeView::branch:has-siblings:!adjoins-item { border-image: url(:/Vantle_icons/Icons/vline.png) 0; }
+QTreeView::branch:has-siblings:adjoins-item { border-image: url(:/Vantle_icons/Icons/branch-more.png) 0; }
+QTreeView::branch:!has-children:!has-siblings:adjoins-item {
+  border-image: url(:/Vantle_icons/Icons/branch-end.png) 0;
+}
+QTreeView::branch:has-children:closed { border-image: none; image: url(:/Vantle_icons/Icons/branch-closed.png); }
+QTreeView::branch:has-children:open { border-image: none; image: url(:/Vantle_icons/Icons/branch-open.png); }
+)";
+
+/// Names may be as long as a line of text; the column shows their beginning.
+constexpr int MAX_NAME_WIDTH = 400;
+
+}  // namespace
+
+SoVantleTreeView::SoVantleTreeView(QWidget* parent, char const* name)
+    : QTreeWidget(parent),
+      m_references(std::make_unique<SoReferencedNodeManager>(this, nullptr)),
+      m_topology(std::make_unique<SoGraphTopologyManager>(this)) {
+  setObjectName(QString::fromLatin1(name ? name : "SoVantleTreeView"));
+  setStyleSheet(QString::fromLatin1(styleText));
+  setUniformRowHeights(true);
+  setIconSize(QSize(16, 16));
+  setSelectionMode(SingleSelection);
+  setEditTriggers(NoEditTriggers);
+  setSortingEnabled(false);
+  setHorizontalScrollMode(ScrollPerPixel);
+
+  setColumnCount(COLUMN_COUNT);
+  setHeaderLabels({tr("Type"), tr("Name"), tr("Ref. Count"), QString(), QString()});
+  setColumnWidth(TYPE_COLUMN, 200);
+  setColumnWidth(NAME_COLUMN, 120);
+  setColumnWidth(REFERENCE_COLUMN, 44);
+  setColumnWidth(BOOKMARK_COLUMN, 24);
+  // Columns are fitted to the rows in view; looking at more of them costs more than it gives.
+  header()->setResizeContentsPrecision(0);
+
+  connect(this, &QTreeWidget::currentItemChanged, this, &SoVantleTreeView::selectChange);
+  connect(this, &QTreeWidget::itemClicked, this, &SoVantleTreeView::onItemClicked);
+  connect(this, &QTreeView::expanded, this, &SoVantleTreeView::applyFilter);
+  connect(this, &QTreeWidget::itemExpanded, this, &SoVantleTreeView::resizeAllColumns);
+  connect(this, &QTreeWidget::itemCollapsed, this, &SoVantleTreeView::resizeAllColumns);
+  // Also when rows go by the base class's clear().
+  connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { m_references->clearNodeMap(); });
+  initTreeViewPreferences();
+}
+
+SoVantleTreeView::~SoVantleTreeView() {
+  disconnect(this, nullptr, this, nullptr);
+  disconnect(model(), nullptr, this, nullptr);
+  setGraphSelection(nullptr);
+  clear();
+  m_topology.reset();
+}
+
+void SoVantleTreeView::setScene(SoNode*) { Q_EMIT newSceneGraph(); }
+
+SoSelection* SoVantleTreeView::getGraphSelection() const { return static_cast<SoSelection*>(m_selection.get()); }
+
+void SoVantleTreeView::setGraphSelection(SoSelection* selection) {
+  SoSelectionPathCB* const callback = &SoVantleTreeView::showSelectedPath;
+  if (SoSelection* old = getGraphSelection()) old->removeSelectionCallback(callback, this);
+  m_topology->setRootNode(selection);
+  m_references->setRootNode(selection);
+  m_selection = selection;
+  if (selection) selection->addSelectionCallback(callback, this);
+}
+
+void SoVantleTreeView::selectChange(QTreeWidgetItem* current, QTreeWidgetItem*) {
+  SoTreeViewItem* const item = SoTreeViewItem::cast(current);
+  if (!item || !item->isRowSelectable()) return;
+  if (isPicking()) {
+    showItem(item);
+  } else {
+    bool const follow = std::exchange(m_followInOverview, false);
+    if (isAutoHighlight() && (!item->fromSubTreeField() || item->baseKitPart())) highlightPath(item);
+    m_followInOverview = follow;
+  }
+  showInOverview(item);
+}
+
+void SoVantleTreeView::showInOverview(SoTreeViewItem* item) {
+  if (!m_followInOverview || !VntServicesImpl::isInstance()) return;
+  if (SoCommandManager* commands = VntServicesImpl::getImplInstance()->getCommandManager()) {
+    commands->setNodeOverview(item, false);
+  }
+}
+
+void SoVantleTreeView::refreshItem(SoTreeViewItem* item) {
+  // Panels follow their nodes themselves; filling them anew would take a value from under the user's hands. The
+  // highlight is a path and has to be made anew.
+  if (item == currentItem() && isAutoHighlight() && (!item->fromSubTreeField() || item->baseKitPart())) {
+    highlightPath(item);
+  }
+  viewport()->update();
+}
+
+void SoVantleTreeView::showItem(SoTreeViewItem* item) {
+  ensureItemOpen(item);
+  setCurrentItem(item);
+  scrollToItem(item);
+}
+
+void SoVantleTreeView::expandAll(QTreeWidgetItem* item) {
+  if (!item) return;
+  m_batch = true;
+  // With a layout due anyway, expanding a row only notes it.
+  scheduleDelayedItemsLayout();
+  struct Step {
+    QModelIndex index;
+    int depth;
+  };
+  std::vector<Step> steps{{indexFromItem(item), 0}};
+  while (!steps.empty()) {
+    Step const step = steps.back();
+    steps.pop_back();
+    int const count = model()->rowCount(step.index);
+    if (count == 0) continue;
+    expand(step.index);
+    if (step.depth == MAX_EXPANDED_DEPTH) continue;
+    for (int i = count; i-- > 0;) steps.push_back({model()->index(i, 0, step.index), step.depth + 1});
+  }
+  m_batch = false;
+  resizeAllColumns();
+}
+
+void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {
+  if (!item) return;
+  std::vector<QTreeWidgetItem*> closed;
+  for (QTreeWidgetItem* above = item->parent(); above; above = above->parent()) {
+    if (!above->isExpanded()) closed.push_back(above);
+  }
+  if (closed.empty()) return;
+  m_batch = true;
+  scheduleDelayedItemsLayout();
+  for (std::size_t i = closed.size(); i-- > 0;) expandItem(closed[i]);
+  m_batch = false;
+  resizeAllColumns();
+}
+
+void SoVantleTreeView::resizeAllColumns() {
+  if (m_batch || m_loading) return;
+  for (int column = 0; column < COLUMN_COUNT; ++column) resizeColumnToContents(column);
+  if (columnWidth(NAME_COLUMN) > MAX_NAME_WIDTH) setColumnWidth(NAME_COLUMN, MAX_NAME_WIDTH);
+}
+
+void SoVantleTreeView::resetReferences() {
+  for (QTreeWidgetItemIterator it(this); *it; ++it) {
+    if (SoTreeViewItem* item = SoTreeViewItem::cast(*it); item && item->showRefImage()) item->setShowRefImage(false);
+  }
+  m_references->reset();
+}
+
+void SoVantleTreeView::showReference(SoTreeViewItem* item) {
+  if (item) showItem(item);
+}
+void SoVantleTreeView::nextReference() { showReference(m_references->getNextRefItem(currentItem())); }
+void SoVantleTreeView::previousReference() { showReference(m_references->getPreviousRefItem(currentItem())); }
+
+void SoVantleTreeView::showAllReferences(SoTreeViewItem* item) {
+  m_references->setReferencedList(item);
+  QList<SoTreeViewItem*> const* const list = m_references->getAllReferencedItems(item);
+  if (!list) return;
+  for (SoTreeViewItem* row : *list) row->setShowRefImage(true);
+}
+
+void SoVantleTreeView::removeAllReferences(SoTreeViewItem* item) {
+  QList<SoTreeViewItem*> const* const list = m_references->getAllReferencedItems(item);
+  if (!list) return;
+  for (SoTreeViewItem* row : *list) row->setShowRefImage(false);
+  m_references->removeReferencedList(item);
+}
+
+void SoVantleTreeView::setState() {
+  if (!m_state) m_state = std::make_unique<SoTreeViewState>(this);
+  SoVantleStateManager::stateRegister(QStringLiteral("TreeViewState"), m_state.get());
+}
+
+void SoVantleTreeView::initTreeViewPreferences() {
+  QString const group = getTreeViewPreferencesPath();
+  QMap<QString, ConfigStyle> const styles = TreeViewConfig::readStyles(group);
+  ConfigStyle const type = styles[QStringLiteral("Node Type")];
+  ConfigStyle const name = styles[QStringLiteral("Node/Part Name")];
+  ConfigStyle const references = styles[QStringLiteral("Reference Count")];
+  ConfigStyle const fieldNode = styles[QStringLiteral("Node From Field")];
+  m_normalFont = type.font;
+  m_fieldNodeFont = fieldNode.font;
+  m_typeColor = type.color;
+  m_nameColor = name.color;
+  m_refCountColor = references.color;
+  m_fieldNodeColor = fieldNode.color;
+  m_showName = name.show;
+  m_showRefCount = references.show;
+  m_showNodeFromField = fieldNode.show;
+  m_topology->setIntervalTimeRefreshing(TreeViewConfig::refreshingTime(group));
+  viewport()->update();
+}

@@ -1,0 +1,168 @@
+#include "kestrava/actions/SoRayPickAction.h"
+#include "kestrava/render/SoSceneManager.h"
+#include "kestrava/base/SbViewportRegion.h"
+#include "kestrava/base/SoPath.h"
+#include "kestrava/nodes/SoGroup.h"
+#include "kestrava/nodes/SoSelection.h"
+#include "kestrava/nodes/SoWWWInline.h"
+#include "vantle/prefs/SoVantleStateManager.h"
+#include "vantle/session/VntServicesImpl.h"
+#include "vantle/tree/SoTreeViewItem.h"
+#include "vantle/tree/SoVantleTreeView.h"
+#include "vantle/viewer/SoVantleViewer.h"
+
+// Between rows and paths of the scene graph.
+
+namespace {
+
+constexpr float PICK_RADIUS = 5.0f;  // pixels, without services to ask
+
+bool isInline(SoNode const* node) { return node->isOfType(SoWWWInline::getClassTypeId()); }
+
+bool isSelectionAllowed() {
+  return !VntServicesImpl::isInstance() || VntServicesImpl::getImplInstance()->isSelectionAllowed();
+}
+
+}  // namespace
+
+bool SoVantleTreeView::isPicking() {
+  return SoVantleViewer::isInstance() && SoVantleViewer::getInstance()->getMode() == 1;
+}
+
+/// The root row when the path comes by its node; `position` is then where. Looks from there on.
+SoTreeViewItem* SoVantleTreeView::rowOfRoot(SoPath const* path, int& position) const {
+  SoTreeViewItem* const root = firstChild();
+  if (!root || !path) return nullptr;
+  for (position = std::max(0, position); position < path->getLength(); ++position) {
+    if (path->getNode(position) == root->m_node) return root;
+  }
+  return nullptr;
+}
+
+SoTreeViewItem* SoVantleTreeView::childRowOf(SoTreeViewItem* row, SoNode* node, int index) const {
+  if (index >= 0) {
+    // The first child of an inline has no row.
+    SoTreeViewItem* const there = row->child(isInline(row->m_node) ? index - 1 : index);
+    if (there && there->m_node == node) return there;
+    if (row->m_node->isOfType(SoGroup::getClassTypeId())) return nullptr;
+  }
+  for (int i = 0, n = row->childCount(); i < n; ++i) {
+    SoTreeViewItem* const child = row->rawChild(i);
+    if (child->m_node == node && child->m_inSceneGraph) return child;
+  }
+  return nullptr;
+}
+
+SoTreeViewItem* SoVantleTreeView::getItemFromPath(SoPath const* path, int from) const {
+  SoNode* missing = nullptr;
+  int position = from - 1;
+  if (!rowOfRoot(path, position)) return nullptr;
+  int index = -1;
+  SoTreeViewItem* const item = followPath(path, position, missing, index);
+  return missing ? nullptr : item;
+}
+
+SoTreeViewItem* SoVantleTreeView::getFirstExistingItemFromPath(SoPath const* path, SoNode*& node, int& index) const {
+  int position = 0;
+  node = nullptr;
+  index = -1;
+  return rowOfRoot(path, position) ? followPath(path, position, node, index) : nullptr;
+}
+
+/// From the root row, which shows the path's node at a position, as deep as rows exist.
+SoTreeViewItem* SoVantleTreeView::followPath(SoPath const* path, int position, SoNode*& missing, int& index) const {
+  SoTreeViewItem* row = firstChild();
+  for (int i = position + 1; i < path->getLength(); ++i) {
+    SoTreeViewItem* const next = childRowOf(row, path->getNode(i), path->getIndex(i));
+    if (!next) {
+      missing = path->getNode(i);
+      index = path->getIndex(i);
+      break;
+    }
+    row = next;
+  }
+  return row;
+}
+
+/// Where a row's node stands in the child list of the path's tail; -1 when it does not stand there.
+int SoVantleTreeView::childPosition(SoTreeViewItem* row, SoNode* tail) const {
+  SoChildList const* const children = tail->getChildren();
+  if (!children) return -1;
+  int const place = row->getSceneIndex() + (isInline(tail) ? 1 : 0);
+  int const count = children->getLength();
+  // Beside the expected place while a change is under way and the rows do not agree with the graph.
+  for (int distance = 0; distance < count; ++distance) {
+    for (int i : {place - distance, place + distance}) {
+      if (i >= 0 && i < count && (*children)[i] == row->m_node) return i;
+    }
+    if (place - distance < 0 && place + distance >= count) break;
+  }
+  return -1;
+}
+
+SoPath* SoVantleTreeView::getPathFromItem(SoTreeViewItem* item) const {
+  if (!item || !m_selection) return nullptr;
+  auto* const path = new SoPath(m_selection);
+  path->ref();
+  QList<SoTreeViewItem*> rows;
+  item->getListPathFromRoot(rows);
+  for (SoTreeViewItem* row : rows) {
+    if (row->getSceneIndex() < 0) break;
+    int const index = childPosition(row, path->getTail());
+    if (index >= 0) path->append(index);
+  }
+  return path;
+}
+
+void SoVantleTreeView::highlightPath(SoTreeViewItem* item) {
+  SoSelection* const selection = getGraphSelection();
+  if (!selection || m_suppressHighlight) return;
+  SoPath* const path = getPathFromItem(item);
+  if (!path) return;
+  if (isSelectionAllowed()) {
+    // The selection answers with its callback, which is not to look for a row.
+    bool const was = std::exchange(m_inSelectedPath, true);
+    selection->deselectAll();
+    selection->select(path);
+    m_inSelectedPath = was;
+  }
+  path->unref();
+  viewport()->update();
+}
+
+void SoVantleTreeView::showSelectedPath(void* view, SoPath* path) {
+  if (view && path) static_cast<SoVantleTreeView*>(view)->showSelectedPath(path);
+}
+
+void SoVantleTreeView::showSelectedPath(SoPath* path) {
+  if (m_inSelectedPath || isPicking()) return;
+  m_inSelectedPath = true;
+  SoVantleStateManager::setCurrentState(QStringLiteral("TreeViewState"));
+  if (SoTreeViewItem* item = getItemFromPath(path, 0)) {
+    showItem(item);
+  } else {
+    clearSelection();
+  }
+  m_inSelectedPath = false;
+}
+
+void SoVantleTreeView::setPickAction(SbViewportRegion const& region, SbVec2s position, SoNode* root) {
+  SoRayPickAction pick(region);
+  pick.setPoint(position);
+  pick.setRadius(VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getPickRadius() : PICK_RADIUS);
+  // The camera that the user looks through may stand outside of the scene.
+  SoSceneManager const* const manager = VntServicesImpl::isInstance() ? VntServices::getInstance()->getSceneManager() : nullptr;
+  if (manager) pick.setCamera(manager->getCamera());
+  pick.apply(root);
+  SoPickedPoint const* const point = pick.getPickedPoint();
+  if (!point) return;
+  SoPath const* const whole = point->getPath();
+  int from = 0;
+  for (int i = 0; i < whole->getLength(); ++i) {
+    if (!whole->getNode(i)->isOfType(SoSelection::getClassTypeId())) continue;
+    from = i + 1;
+    break;
+  }
+  SoRef<SoPath> const path(whole->copy(from));
+  if (SoTreeViewItem* item = getItemFromPath(path, 1)) showItem(item);
+}

@@ -1,0 +1,195 @@
+#include "vantle/viewer/SoVantleViewer.h"
+
+#include <QDockWidget>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "kestrava/base/SoPreferences.h"
+#include "kestrava/nodes/SoSelection.h"
+#include "kestrava/render/SoGuiRenderArea.h"
+#include "kestrava/render/SoSceneManager.h"
+#include "kestrava_qt/SoQtExaminerViewer.h"
+#include "vantle/frame/SoCommandManager.h"
+#include "vantle/frame/SoVantleMainFrame.h"
+#include "vantle/inspect/SoVantleEdition.h"
+#include "vantle/prefs/SoVantleConfig.h"
+#include "vantle/prefs/TreeViewConfig.h"
+#include "vantle/session/VantleMessageBox.h"
+#include "vantle/session/VntServicesImpl.h"
+#include "vantle/session/VntShellImpl.h"
+#include "vantle/tree/SoVantleTreeView.h"
+
+SoVantleViewer* SoVantleViewer::m_instance = nullptr;
+
+namespace {
+
+constexpr char SETTINGS[] = "/VantleViewer/VantleMainFrame";
+constexpr int NO_SIZE = 32767;  // stored for a window that was maximised
+
+QString key(char const* name) { return QLatin1String(SETTINGS) + QLatin1String(name); }
+QString fileKey(int number) { return key("/File") + QString::number(number); }
+
+bool isOnScreen(QRect const& window) {
+  for (QScreen const* screen : QGuiApplication::screens()) {
+    QRect const visible = screen->availableGeometry().intersected(window);
+    if (visible.width() >= 100 && visible.height() >= 50) return true;
+  }
+  return false;
+}
+
+bool isHostLaunched() {
+  return SoPreferences::getBool("KSRU_LAUNCH_VANTLE", false) || SoPreferences::getBool("PLX_LAUNCH_VANTLE", false);
+}
+
+} // namespace
+
+SoVantleViewer* SoVantleViewer::getInstance() {
+  if (!m_instance) new SoVantleViewer;
+  return m_instance;
+}
+
+void SoVantleViewer::releaseInstance() {
+  delete m_instance;
+  m_instance = nullptr;
+}
+
+SoVantleViewer::SoVantleViewer() {
+  m_instance = this;  // the panels made here ask for it
+  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+  SoVantleMainFrame* const frame = mainFrame();
+  if (services->isStandaloneApplication()) makeExaminer();
+
+  m_highlightOff = !TreeViewConfig::highlightSelectedNode(SoVantleTreeView::getTreeViewPreferencesPath());
+  m_selection = new SoSelection;
+  m_selection->policy.setValue(SoSelection::SINGLE);
+  if (!isHostLaunched()) services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
+
+  m_treeView = new SoVantleTreeView(frame);
+  if (m_examiner) {
+    m_examiner->setSceneGraph(m_selection);
+    m_treeDock = makeDock("dockMainWin", tr("Tree View"), Qt::LeftDockWidgetArea);
+    m_treeDock->setWidget(m_treeView);
+  } else {
+    frame->setCentralWidget(m_treeView);
+  }
+  m_treeView->setGraphSelection(m_selection);
+  if (m_examiner) m_examiner->getWidget()->installEventFilter(m_treeView);
+
+  m_overviewDock = makeDock("dockNodeOverview", tr("Node Overview"), Qt::RightDockWidgetArea);
+  m_watchDock = makeDock("dockFieldWatch", tr("Field Watch"), Qt::BottomDockWidgetArea);
+  m_watchDock->setMinimumHeight(0);
+  for (QDockWidget* dock : {m_overviewDock, m_watchDock}) {
+    dock->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  }
+  // The tree keeps the whole height: rows are what there is most of.
+  frame->setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+  m_edition = std::make_unique<SoVantleEdition>(m_treeView, m_overviewDock, m_watchDock);
+}
+
+// The panels are taken down one by one, each while what it watches is still there.
+SoVantleViewer::~SoVantleViewer() {
+  m_treeView->setGraphSelection(nullptr);
+  m_edition.reset();
+  delete m_treeView;
+  delete m_treeDock;
+  delete m_overviewDock;
+  delete m_watchDock;
+  m_selection->removeAllChildren();
+  m_examiner.reset();
+}
+
+SoVantleMainFrame* SoVantleViewer::mainFrame() const { return VntShellImpl::getImplInstance()->getMainFrame(); }
+
+QDockWidget* SoVantleViewer::makeDock(char const* name, QString const& title, Qt::DockWidgetArea area) {
+  auto* dock = new QDockWidget(title, mainFrame());
+  dock->setObjectName(QLatin1String(name));
+  mainFrame()->addDockWidget(area, dock);
+  return dock;
+}
+
+void SoVantleViewer::makeExaminer() {
+  auto* dock = new QDockWidget(tr("Kestrava Scenoscope"), mainFrame());
+  // As the central widget it can neither be moved nor brought back once closed.
+  dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+  m_examiner = std::make_unique<SoQtExaminerViewer>(dock, "Examiner");
+  dock->setWidget(m_examiner->getWidget());
+  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+  services->setRenderArea(m_examiner->getRenderArea());
+  services->setSceneManager(m_examiner->getSceneManager());
+  mainFrame()->setCentralWidget(dock);
+}
+
+void SoVantleViewer::setScene(SoNode* root, bool clear) {
+  SoRef<SoNode> const next(root);
+  m_edition->clearScene();
+  if (VntServices::getInstance()->getSelectedNode()) VntServices::getInstance()->setSelectedNode(nullptr);
+  m_selection->deselectAll();
+  m_selection->removeAllChildren();
+  m_scene = next;
+  // The tree follows by itself what stands below the selection node.
+  if (root) m_selection->addChild(root);
+  m_treeView->setScene(root);
+  if (clear) VntServicesImpl::getImplInstance()->getCommandManager()->clearUndoCommands();
+  if (m_examiner) m_examiner->viewAll();
+}
+
+void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s position) {
+  SoSceneManager* const manager = VntServices::getInstance()->getSceneManager();
+  SoNode* const root = manager ? manager->getSceneGraph() : m_selection.get();
+  if (!root) return;
+  m_mode = 1;
+  m_treeView->setPickAction(region, position, root);
+  m_mode = 0;
+}
+
+// Window settings.
+
+void SoVantleViewer::initViewer() {
+  SoVantleMainFrame* const frame = mainFrame();
+  // Nobody's own layout belongs into a picture that is taken unattended.
+  if (VantleMessageBox::isUnattended()) return frame->setDefaultLayout(true);
+  for (int number = 1; number <= MAX_RECENT_FILES; ++number) {
+    QString const file = SoVantleConfig::readEntry(fileKey(number));
+    if (!file.isEmpty()) m_recentFiles << file;
+  }
+  if (!m_recentFiles.isEmpty()) updateRecentFilesMenu();
+
+  QSize const size(SoVantleConfig::readNumEntry(key("/WindowWidth"), NO_SIZE),
+                   SoVantleConfig::readNumEntry(key("/WindowHeight"), NO_SIZE));
+  QPoint const position(SoVantleConfig::readNumEntry(key("/WindowX"), 0),
+                        SoVantleConfig::readNumEntry(key("/WindowY"), 0));
+  QByteArray const layout = QByteArray::fromBase64(SoVantleConfig::readEntry(key("/MainWindowLayout")).toLatin1());
+  bool const hasSize = size.width() != NO_SIZE && size.height() != NO_SIZE;
+  // The screen that the window stood on may be gone.
+  if (isOnScreen(QRect(position, hasSize ? size : QSize(800, 600)))) frame->move(position);
+  if (!layout.isEmpty() && hasSize)
+    frame->resize(size);
+  else
+    frame->setWindowState(frame->windowState() | Qt::WindowMaximized);
+  // What the stored layout says about bars and docks that do not exist is passed over.
+  frame->setDefaultLayout(layout.isEmpty() || !frame->restoreState(layout));
+}
+
+void SoVantleViewer::saveMainFrameSettings() {
+  SoVantleMainFrame const* const frame = mainFrame();
+  bool const maximised = frame->isMaximized();
+  SoVantleConfig::writeEntry(key("/WindowWidth"), maximised ? NO_SIZE : frame->width());
+  SoVantleConfig::writeEntry(key("/WindowHeight"), maximised ? NO_SIZE : frame->height());
+  SoVantleConfig::writeEntry(key("/WindowX"), frame->x());
+  SoVantleConfig::writeEntry(key("/WindowY"), frame->y());
+  SoVantleConfig::writeEntry(key("/MainWindowLayout"), QString::fromLatin1(frame->saveState().toBase64()));
+  for (int number = 1; number <= MAX_RECENT_FILES; ++number) {
+    SoVantleConfig::writeEntry(fileKey(number), m_recentFiles.value(number - 1));
+  }
+}
+
+void SoVantleViewer::applyDefaultLayout() {
+  SoVantleMainFrame* const frame = mainFrame();
+  int const width = frame->width();
+  if (m_treeDock) {
+    frame->resizeDocks({m_treeDock, m_overviewDock}, {width * 35 / 100, width * 27 / 100}, Qt::Horizontal);
+  } else {
+    frame->resizeDocks({m_overviewDock}, {width * 50 / 100}, Qt::Horizontal);
+  }
+  frame->resizeDocks({m_watchDock}, {frame->height() * 20 / 100}, Qt::Vertical);
+}

@@ -1,0 +1,3 @@
+#include "vnt/VntServices.h"
+
+VntServices* VntServices::m_instance = nullptr;

@@ -1,0 +1,3 @@
+#include "vnt/VntShell.h"
+
+VntShell* VntShell::m_instance = nullptr;
