@@ -76,7 +76,11 @@ class GLWidget : public QOpenGLWidget {
     // Several samples a pixel make software rendering several times as slow.
     setFormat(formatOf(openGL().isSoftware ? 0 : 4));
   }
-  ~GLWidget() override { releaseGL(); }
+  ~GLWidget() override {
+    // The context goes after what this class holds.
+    if (context()) disconnect(context(), nullptr, this, nullptr);
+    releaseGL();
+  }
 
  protected:
   void initializeGL() override {

@@ -14,8 +14,8 @@ struct SoAction::Extra {
   std::function<void()> left;
 };
 
-/// The children of one node that are being visited. The node is referenced meanwhile: functions of the program
-/// that are called may take it out of the graph.
+/// The children of one node that are being visited. The node is referenced meanwhile: functions of the
+/// program that are called may take it out of the graph.
 struct SoAction::Frame {
   SoNode* node = nullptr;
   SoChildList* children = nullptr;
@@ -24,8 +24,8 @@ struct SoAction::Frame {
   int last = -1;
   int next = 0;
   int pass = 0;
-  int passes = 0;  // 0: once, without a scope of its own
-  int step = 0;    // for ON_PATH: position of the node on the path that is followed
+  int passes = 0; // 0: once, without a scope of its own
+  int step = 0;   // for ON_PATH: position of the node on the path that is followed
   bool scoped = false;
   Part part = Part::ALL;
   std::unique_ptr<Extra> extra;
@@ -206,7 +206,8 @@ SoPath const& SoAction::getCurPath() const {
   m_path->truncate(m_pathFrames);
   // Frames that running methods have asked for are those of the visited nodes themselves.
   size_t const above = m_frames.size() - static_cast<size_t>(m_numAsked);
-  for (size_t i = m_path->getLength(); i < above; ++i) m_path->appendNode(m_frames[i].node, m_frames[i].index);
+  for (size_t i = m_path->getLength(); i < above; ++i)
+    m_path->appendNode(m_frames[i].node, m_frames[i].index);
   m_pathFrames = static_cast<int>(above);
   for (Visited const& visited : m_visited) m_path->appendNode(visited.node, visited.index);
   return *m_path;

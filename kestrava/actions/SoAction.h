@@ -72,8 +72,8 @@ class SoAction {
   /// Visits a node that a field holds (a vertex property, a kit's part) in the same way, at once and
   /// without its children.
   void visitHeld(SoNode* node);
-  /// From the root of the traversal to the node that is visited; good until the method returns. Made when it is
-  /// asked for.
+  /// From the root of the traversal to the node that is visited; good until the method returns. Made when it
+  /// is asked for.
   SoPath const& getCurPath() const;
   /// Ends the traversal after this method.
   void terminate() { m_terminated = true; }
@@ -118,12 +118,12 @@ class SoAction {
 
   SoState m_state;
   SoPath* m_along = nullptr;
-  std::vector<Frame> m_frames;     // from the root down; the last one may still be filled by the method that runs
-  std::vector<Visited> m_visited;  // below the frames: the node whose method runs, and those it holds
-  bool m_asks = false;  // the method that runs wants its children entered, or to be called later
-  int m_numAsked = 0;   // frames that are still being filled
+  std::vector<Frame> m_frames; // from the root down; the last one may still be filled by the method that runs
+  std::vector<Visited> m_visited; // below the frames: the node whose method runs, and those it holds
+  bool m_asks = false;            // the method that runs wants its children entered, or to be called later
+  int m_numAsked = 0;             // frames that are still being filled
   std::shared_ptr<MethodTable const> m_table;
   bool m_terminated = false;
   SoRef<SoPath> m_path;
-  mutable int m_pathFrames = 0;  // so many nodes of m_path stand for frames that are still there
+  mutable int m_pathFrames = 0; // so many nodes of m_path stand for frames that are still there
 };

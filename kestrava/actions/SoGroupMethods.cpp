@@ -1,8 +1,12 @@
 // What actions do at groups: which children they enter, how often, and in which scope.
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
+#include "kestrava/actions/SoGetBoundingBoxAction.h"
 #include "kestrava/actions/SoStateAction.h"
+#include "kestrava/base/SbBox2f.h"
 #include "kestrava/base/SoChildList.h"
 #include "kestrava/base/SoError.h"
 #include "kestrava/kits/SoBaseKit.h"
@@ -75,6 +79,44 @@ void enterLevelByRange(SoStateAction& action, SoLOD& group) {
   if (level >= 0) action.enterChildren(&group, false, level, level);
 }
 
+/// Pixels of the rectangle around a box as it is seen; none for what is not all in front of the camera.
+std::optional<float> seenArea(SoState const& state, SbBox3f const& box) {
+  SbMatrix const toWorld =
+      state.get<SoModelMatrixElement>().matrix * state.get<SoOuterMatrixElement>().matrix;
+  SbVec2s const pixels = state.get<SoViewportElement>().region.getViewportSizePixels();
+  SbViewVolume const& volume = state.get<SoCameraElement>().volume;
+  SbBox2f rectangle;
+  for (int corner = 0; corner < 8; ++corner) {
+    SbVec3f point, screen;
+    for (int k = 0; k < 3; ++k) point[k] = corner >> k & 1 ? box.getMax()[k] : box.getMin()[k];
+    if (!volume.projectToScreen(toWorld.multVecMatrix(point), screen)) return std::nullopt;
+    rectangle.extendBy(SbVec2f(screen[0], screen[1]));
+  }
+  SbVec2f const size = rectangle.getSize();
+  return size[0] * static_cast<float>(pixels[0]) * size[1] * static_cast<float>(pixels[1]);
+}
+
+void enterLevelByArea(SoStateAction& action, SoLevelOfDetail& group) {
+  SoState& state = action.getState();
+  int level = 0;
+  if (state.get<SoCameraElement>().set && group.getNumChildren() > 1 && !group.screenArea.isIgnored()) {
+    SoGetBoundingBoxAction bounds(action.getViewportRegion());
+    bounds.apply(group.getChild(0));
+    if (!bounds.getBoundingBox().isEmpty()) {
+      // What is partly behind the camera is near.
+      auto const area = seenArea(state, bounds.getBoundingBox());
+      while (area && level < group.screenArea.getNumValues() && *area <= group.screenArea[level]) ++level;
+    }
+  }
+  level = std::min(level, group.getNumChildren() - 1);
+  if (level >= 0) action.enterChildren(&group, false, level, level);
+}
+
+/// Bounds are those of the finest level: choosing one by its bounds would never end.
+void enterFinestLevel(SoGetBoundingBoxAction& action, SoLevelOfDetail& group) {
+  if (group.getNumChildren() > 0) action.enterChildren(&group, false, 0, 0);
+}
+
 /// Every copy stands in a scope of its own.
 void enterArray(SoStateAction& action, SoArray& group) {
   SoState& state = action.getState();
@@ -124,6 +166,6 @@ void callFunction(SoAction& action, SoCallback& node) {
 bool const registered =
     SoAction::addMethods<enterGroup, enterSeparator, enterFile, enterKit, enterList, enterInline,
                          enterTransformSeparator, SoAction::enterChosenChildren, enterLevelByRange,
-                         enterArray, enterCopies, callFunction>();
+                         enterLevelByArea, enterFinestLevel, enterArray, enterCopies, callFunction>();
 
 } // namespace

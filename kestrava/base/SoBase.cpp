@@ -102,3 +102,15 @@ SoBase* SoBase::getNamedBase(SbName const& name, SoType type) {
   }
   return nullptr;
 }
+
+std::vector<SoBase*> SoBase::getNamedBases(SbName const& name, SoType type) {
+  SoNameDictionary& dictionary = SoNameDictionary::instance();
+  std::lock_guard lock(dictionary.mutex);
+  std::vector<SoBase*> found;
+  auto const known = dictionary.byName.find(name);
+  if (known == dictionary.byName.end()) return found;
+  for (SoBase* object : known->second.objects) {
+    if (object && object->isOfType(type)) found.push_back(object);
+  }
+  return found;
+}

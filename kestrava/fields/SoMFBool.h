@@ -29,6 +29,6 @@ class SoMFBool : public SoMFValue<SbBool> {
   }
   void writeValue(SoOutput& out) const override {
     SoWriteCounted(out, static_cast<std::uint32_t>(m_values.size()),
-                   [&](std::uint32_t i) { SoWriteValue(out, m_values[i] != 0); }, true);
+                   [&](std::uint32_t i) { SoWriteValue(out, m_values[i] != 0); }, 12);
   }
 };

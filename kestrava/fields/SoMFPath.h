@@ -31,7 +31,7 @@ class SoMFPath : public SoMField {
   bool readValue(SoInput& in) override { return SoReadList(in, m_values, SoReadPath); }
   void writeValue(SoOutput& out) const override {
     SoWriteCounted(out, static_cast<std::uint32_t>(m_values.size()),
-                   [&](std::uint32_t i) { SoWritePath(out, m_values[i]); }, false);
+                   [&](std::uint32_t i) { SoWritePath(out, m_values[i]); }, 0);
   }
 
  protected:

@@ -180,5 +180,5 @@ bool SoMFEnum::readValue(SoInput& in) {
 
 void SoMFEnum::writeValue(SoOutput& out) const {
   SoWriteCounted(out, static_cast<std::uint32_t>(m_values.size()),
-                 [&](std::uint32_t i) { writeOne(out, m_values[i]); }, true);
+                 [&](std::uint32_t i) { writeOne(out, m_values[i]); }, 12);
 }

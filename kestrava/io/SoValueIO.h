@@ -153,12 +153,11 @@ bool SoReadValues(SoInput& in, std::vector<T>& values) {
 bool SoReadHexBytes(SoInput& in, std::vector<unsigned char>& bytes, std::size_t count, int group);
 void SoWriteHexBytes(SoOutput& out, unsigned char const* bytes, std::size_t count, int group);
 
-/// The values that `write(i)` writes, in brackets; each in a line of its own unless they are `small`. ASCII
-/// only.
+/// The values that `write(i)` writes, in brackets; up to `few` of them go in one line. More are wrapped; where
+/// `few` is 0 the values are long, and each has a line of its own. ASCII only.
 template <class Write>
-void SoWriteList(SoOutput& out, std::uint32_t count, Write write, bool small) {
-  constexpr std::uint32_t FEW = 4;
-  if (count == 0 || (count <= FEW && small)) {
+void SoWriteList(SoOutput& out, std::uint32_t count, Write write, std::uint32_t few) {
+  if (count <= few) {
     out.put("[");
     for (std::uint32_t i = 0; i < count; ++i) {
       out.put(i == 0 ? " " : ", ");
@@ -174,7 +173,7 @@ void SoWriteList(SoOutput& out, std::uint32_t count, Write write, bool small) {
     if (i > 0) {
       constexpr int USUAL_LINE = 90;
       out.put(",");
-      if (small && out.getColumn() < USUAL_LINE) {
+      if (few > 0 && out.getColumn() < USUAL_LINE) {
         out.put(" ");
       } else {
         out.newLine();
@@ -190,14 +189,14 @@ void SoWriteList(SoOutput& out, std::uint32_t count, Write write, bool small) {
 /// A single value stands bare; others in brackets, as many in a line as have room where they are short.
 /// Binary: a count, then the values.
 template <class Write>
-void SoWriteCounted(SoOutput& out, std::uint32_t count, Write write, bool small) {
+void SoWriteCounted(SoOutput& out, std::uint32_t count, Write write, std::uint32_t few) {
   if (out.isBinary()) {
     out.writeCount(count);
     for (std::uint32_t i = 0; i < count; ++i) write(i);
   } else if (count == 1) {
     write(0);
   } else {
-    SoWriteList(out, count, write, small);
+    SoWriteList(out, count, write, few);
   }
 }
 
@@ -212,7 +211,8 @@ void SoWriteValues(SoOutput& out, std::vector<T> const& values) {
       return;
     }
   }
-  SoWriteCounted(out, count, [&](std::uint32_t i) { SoWriteValue(out, values[i]); }, sizeof(T) <= 16);
+  SoWriteCounted(out, count, [&](std::uint32_t i) { SoWriteValue(out, values[i]); },
+                 sizeof(T) <= 4 ? 12 : sizeof(T) <= 16 ? 4 : 0);
 }
 
 template <class T>

@@ -41,6 +41,9 @@ char const* const SURFACE = R"( Surface {
   flat uint material;
 #ifdef WIDE_LINES
   noperspective float along;
+#ifdef CLIP
+  float clip[6];  // built-in distances do not pass through the stage that widens the lines
+#endif
 #endif
 })";
 
@@ -54,6 +57,14 @@ layout(location = 4) in vec2 texCoord;
 layout(location = 5) in vec4 row0;
 layout(location = 6) in vec4 row1;
 layout(location = 7) in vec4 row2;
+#endif
+#ifdef CLIP
+#ifdef WIDE_LINES
+#define clipDistance s.clip
+#else
+out float gl_ClipDistance[6];
+#define clipDistance gl_ClipDistance
+#endif
 #endif
 uniform float pointSize;
 void main() {
@@ -84,7 +95,7 @@ void main() {
 #endif
 #ifdef CLIP
   for (int i = 0; i < 6; ++i) {
-    gl_ClipDistance[i] = i < int(counts.y) ? dot(clipPlanes[i].xyz, world) - clipPlanes[i].w : 1.0;
+    clipDistance[i] = i < int(counts.y) ? dot(clipPlanes[i].xyz, world) - clipPlanes[i].w : 1.0;
   }
 #endif
 }
@@ -102,7 +113,7 @@ void corner(int end, vec4 p, vec2 offset, float along) {
   s.material = g[end].material;
   s.along = along;
 #ifdef CLIP
-  for (int i = 0; i < 6; ++i) gl_ClipDistance[i] = gl_in[end].gl_ClipDistance[i];
+  for (int i = 0; i < 6; ++i) s.clip[i] = g[end].clip[i];
 #endif
   EmitVertex();
 }
@@ -185,6 +196,11 @@ vec3 shade(vec3 diffuse, vec3 eye) {
 void main() {
 #ifdef WIDE_LINES
   if (((linePattern >> (int(s.along) & 15)) & 1) == 0) discard;
+#ifdef CLIP
+  for (int i = 0; i < 6; ++i) {
+    if (s.clip[i] < 0.0) discard;
+  }
+#endif
 #endif
   vec4 color = s.color;
 #if defined(LIT) || defined(FOG)

@@ -370,7 +370,8 @@ bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group) {
   glUniform1f(program.getUniform(SoGLProgram::POINT_SIZE), look.pointSize);
   bool const culls = look.culled && group.primitive == SoGLPage::TRIANGLES;
   culls ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
-  int const distances = group.features & SoGLProgram::CLIP ? SoGLProgram::MAX_CLIP_PLANES : 0;
+  bool const clips = group.features & SoGLProgram::CLIP && !(group.features & SoGLProgram::WIDE_LINES);
+  int const distances = clips ? SoGLProgram::MAX_CLIP_PLANES : 0;
   for (int i = m_clipDistances; i < distances; ++i) glEnable(GL_CLIP_DISTANCE0 + static_cast<unsigned>(i));
   for (int i = distances; i < m_clipDistances; ++i) glDisable(GL_CLIP_DISTANCE0 + static_cast<unsigned>(i));
   m_clipDistances = distances;

@@ -32,19 +32,22 @@ SbString fileOf(std::string const& name) {
   if (SbFileHelper::isReadable(name)) return SbString(name);
   std::string const wanted = name == "defaultFont" || name.empty() ? "DejaVu Sans" : name;
   SbString file;
-  FcPattern* pattern = FcNameParse(reinterpret_cast<FcChar8 const*>(wanted.c_str()));
-  if (!pattern) return file;
+  // A configuration of our own: fonts are looked up once a name, and nothing is left behind.
+  FcConfig* const config = FcInitLoadConfigAndFonts();
+  FcPattern* const pattern = FcNameParse(reinterpret_cast<FcChar8 const*>(wanted.c_str()));
+  if (!config || !pattern) return file; // out of memory
   FcPatternAddBool(pattern, FC_SCALABLE, FcTrue);
-  FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+  FcConfigSubstitute(config, pattern, FcMatchPattern);
   FcDefaultSubstitute(pattern);
   FcResult result;
-  if (FcPattern* match = FcFontMatch(nullptr, pattern, &result)) {
+  if (FcPattern* match = FcFontMatch(config, pattern, &result)) {
     FcChar8* path = nullptr;
     if (FcPatternGetString(match, FC_FILE, 0, &path) == FcResultMatch)
       file = SbString(reinterpret_cast<char*>(path));
     FcPatternDestroy(match);
   }
   FcPatternDestroy(pattern);
+  FcConfigDestroy(config);
   return file;
 }
 

@@ -70,6 +70,13 @@ TEST(ActionsTraversal, GroupsEnterTheirChildrenInTheRightScope) {
       {"Separator { PerspectiveCamera { position 0 0 10 } Translation { translation 0 0 7 } LOD { range [ 5 "
        "] %} }",
        "a0 "},
+      {"LevelOfDetail { screenArea [ 100, 0 ] %}", "a0 "},
+      {"Separator { OrthographicCamera { height 4 position 0 0 5 } LevelOfDetail { screenArea [ 2400, 0 ] %} "
+       "}",
+       "a0 "},
+      {"Separator { OrthographicCamera { height 4 position 0 0 5 } LevelOfDetail { screenArea [ 2600, 0 ] %} "
+       "}",
+       "b0 "},
       {"Separator { Translation { translation 4 0 0 } ResetTransform {} DEF a Cube {} }", "a0 "},
       {"Separator { Units { units CENTIMETERS } Translation { translation 200 0 0 } Units { units METERS } "
        "DEF a Cube {} }",

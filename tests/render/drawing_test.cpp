@@ -80,6 +80,11 @@ TEST(Drawing, ClipPlanesAnnotationsAndFog) {
   EXPECT_TRUE(clipped.shows(0.7f, 0, 255, 255, 255));
   EXPECT_TRUE(clipped.shows(0.3f, 0, 0, 0, 0));
 
+  Picture const line("Separator { " + white + "ClipPlane { plane 1 0 0 0.5 } DrawStyle { lineWidth 5 } "
+                     "Coordinate3 { point [-1.6 0 0, 1.6 0 0] } LineSet { numVertices 2 } }");
+  EXPECT_TRUE(line.shows(0.7f, 0, 255, 255, 255));
+  EXPECT_TRUE(line.shows(0.3f, 0, 0, 0, 0));
+
   Picture const over("Separator { " + white + "Annotation { Material { diffuseColor 1 0 0 } " + square(0.5f, -3) + "} " +
                      square(1) + "}");
   EXPECT_TRUE(over.shows(0, 0, 255, 0, 0));

@@ -81,12 +81,12 @@ TEST(Surface, TexturesStandUpright) {
   // Twice as many: repeated, or the rim drawn out.
   std::string const twice = "TextureCoordinate2 { point [0 0, 2 0, 2 2, 0 2] } ";
   Picture const repeated("Separator { " + UNLIT + white + twice + texture() + square(1) + "}");
-  EXPECT_TRUE(repeated.shows(0.25f, 0.25f, 255, 0, 0));
+  EXPECT_TRUE(repeated.shows(0.25f, 0.25f, 255, 0, 0, 16));
   Picture const clamped("Separator { " + UNLIT + white + twice + texture("wrapS CLAMP wrapT CLAMP") + square(1) + "}");
   EXPECT_TRUE(clamped.shows(0.25f, 0.25f, 255, 255, 255));
   Picture const scaled("Separator { " + UNLIT + white + coordinates + texture() +
                        "Texture2Transform { scaleFactor 2 2 } " + square(1) + "}");
-  EXPECT_TRUE(scaled.shows(0.25f, 0.25f, 255, 0, 0));
+  EXPECT_TRUE(scaled.shows(0.25f, 0.25f, 255, 0, 0, 16));
 }
 
 TEST(Surface, TextureModels) {
@@ -150,7 +150,9 @@ TEST(Surface, LightsShineFromWhereTheyAre) {
     EXPECT_LT(picture.brightness(c.dark[0], c.dark[1]), 45);
   }
   // Only what follows a light is lit by it.
-  Picture const scoped("Separator { Separator { DirectionalLight { direction 0 0 -1 } } Sphere {} }");
+  Picture const scoped("Separator { Separator { DirectionalLight { direction 0 0 -1 } Translation { translation -1.8 0 0 } "
+                       "Sphere { radius 0.2 } } Sphere {} }");
+  EXPECT_GT(scoped.brightness(-1.8f, 0), 150);
   EXPECT_LT(scoped.brightness(0, 0), 45);
 }
 

@@ -83,7 +83,7 @@ TEST_F(FrameTest, ShortcutsAndIcons) {
     if (!action->shortcut().isEmpty()) found[action->text()] = action->shortcut().toString();
   }
   EXPECT_EQ(found, expected);
-  EXPECT_EQ(frame()->actions().size(), 54);
+  EXPECT_EQ(frame()->actions().size(), 52);
 
   // Whatever stands in a bar has a picture, which really is in the library.
   for (QToolBar* bar : frame()->findChildren<QToolBar*>()) {

@@ -44,8 +44,12 @@ TEST_F(WindowTest, TheDefaultLayoutFitsSmallAndLargeWindows) {
     frame()->resize(size);
     ASSERT_TRUE(waitFor([&] { return frame()->size() == size; })) << "the contents ask for more than the window has";
     QWidget const* const view = frame()->centralWidget();
-    EXPECT_NEAR(dock("dockMainWin")->width(), size.width() * 0.35, 40);
-    EXPECT_GT(view->width(), size.width() / 5);
+    auto const isThird = [&](char const* name) {
+      return std::abs(dock(name)->width() - size.width() / 3) < 60;
+    };
+    EXPECT_TRUE(waitFor([&] { return isThird("dockMainWin") && isThird("dockNodeOverview"); }))
+        << dock("dockMainWin")->width() << " " << dock("dockNodeOverview")->width() << " of " << size.width();
+    EXPECT_GT(view->width(), size.width() / 6);
     EXPECT_GT(view->height(), size.height() / 3);
   }
 }

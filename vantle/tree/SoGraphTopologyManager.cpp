@@ -128,7 +128,7 @@ void SoGraphTopologyManager::takeItemsFromTree(SoNode* parent, int index) {
     bool const simple = row->childCount() == row->childCount(false) && row->childCount() == count + 1 && index >= 0 &&
                         index <= count && (index == count || row->rawChild(index)->getNode() != (*children)[index]);
     if (simple) {
-      delete row->rawChild(index);
+      m_view->deleteRows(row, index, 1);
     } else {
       m_view->updateItemChildren(row);
     }

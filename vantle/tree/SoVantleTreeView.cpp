@@ -138,18 +138,28 @@ void SoVantleTreeView::expandAll(QTreeWidgetItem* item) {
     QModelIndex index;
     int depth;
   };
-  std::vector<Step> steps{{indexFromItem(item), 0}};
+  int depth = 0;
+  for (QTreeWidgetItem* above = item->parent(); above; above = above->parent()) ++depth;
+  std::vector<Step> steps{{indexFromItem(item), depth}};
   while (!steps.empty()) {
     Step const step = steps.back();
     steps.pop_back();
     int const count = model()->rowCount(step.index);
-    if (count == 0) continue;
+    if (count == 0 || step.depth >= MAX_OPEN_DEPTH) continue;
     expand(step.index);
-    if (step.depth == MAX_EXPANDED_DEPTH) continue;
     for (int i = count; i-- > 0;) steps.push_back({model()->index(i, 0, step.index), step.depth + 1});
   }
   m_batch = false;
   resizeAllColumns();
+}
+
+void SoVantleTreeView::scrollTo(QModelIndex const& index, ScrollHint hint) {
+  // The base class opens everything above the row.
+  QModelIndex shown = index;
+  std::vector<QModelIndex> above;
+  for (QModelIndex up = index; up.isValid(); up = up.parent()) above.push_back(up);
+  if (above.size() > std::size_t{MAX_OPEN_DEPTH}) shown = above[above.size() - MAX_OPEN_DEPTH];
+  QTreeWidget::scrollTo(shown, hint);
 }
 
 void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {
@@ -158,7 +168,7 @@ void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {
   for (QTreeWidgetItem* above = item->parent(); above; above = above->parent()) {
     if (!above->isExpanded()) closed.push_back(above);
   }
-  if (closed.empty()) return;
+  if (closed.empty() || closed.size() > std::size_t{MAX_OPEN_DEPTH}) return;
   m_batch = true;
   scheduleDelayedItemsLayout();
   for (std::size_t i = closed.size(); i-- > 0;) expandItem(closed[i]);

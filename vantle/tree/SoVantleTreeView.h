@@ -31,8 +31,8 @@ class SoVantleTreeView : public QTreeWidget {
   enum FindFlag { FIND_BACKWARD = 1, FIND_CASE_SENSITIVE = 2, FIND_EXACT = 4 };
   /// More rows than this are not built; what is missing is posted as an error.
   static constexpr int MAX_ROWS = 10'000'000;
-  /// "Expand All" goes no deeper at once: the base class needs stack for every level that is open.
-  static constexpr int MAX_EXPANDED_DEPTH = 1000;
+  /// Deeper rows are not opened unless the user opens each: the base class needs stack for every open level.
+  static constexpr int MAX_OPEN_DEPTH = 4000;
 
   explicit SoVantleTreeView(QWidget* parent = nullptr, char const* name = nullptr);
   ~SoVantleTreeView() override;
@@ -60,6 +60,8 @@ class SoVantleTreeView : public QTreeWidget {
   void rebuildItemChildren(SoTreeViewItem* item);
   /// Appends the rows of the node's fields and catalog parts.
   void checkNodeFields(SoNode* node, SoTreeViewItem* item);
+  /// Destroys a run of children, ignored ones included.
+  void deleteRows(SoTreeViewItem* parent, int first, int count);
   /// Makes the rows below a row those that a fresh build would give; rows that stay keep all they have.
   /// False when nothing had to be changed.
   bool updateItemChildren(SoTreeViewItem* item);
@@ -90,6 +92,7 @@ class SoVantleTreeView : public QTreeWidget {
   bool isFollowInOverview() const { return m_followInOverview; }
 
   void expandAll(QTreeWidgetItem* item);
+  void scrollTo(QModelIndex const& index, ScrollHint hint = EnsureVisible) override;
   /// Expands every row above the item.
   void ensureItemOpen(QTreeWidgetItem* item);
   /// Makes a row current and shows it.
@@ -161,7 +164,6 @@ class SoVantleTreeView : public QTreeWidget {
   SoTreeViewItem* makeRows(SoNode* node, SoTreeViewItem* parent, SoField* field, int sceneIndex);
   void numbered(SoTreeViewItem* parent, SoTreeViewItem* row, int position);
   void registerRows(SoTreeViewItem* top);
-  void deleteRows(SoTreeViewItem* parent, int first, int count);
   SoTreeViewItem* childRowOf(SoTreeViewItem* row, SoNode* node, int index) const;
   SoTreeViewItem* rowOfRoot(SoPath const* path, int& position) const;
   int childPosition(SoTreeViewItem* row, SoNode* tail) const;

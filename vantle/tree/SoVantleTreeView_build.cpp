@@ -194,7 +194,13 @@ void SoVantleTreeView::deleteRows(SoTreeViewItem* parent, int first, int count) 
     parent->m_hasRowsOutOfScene = false;
     return;
   }
-  for (int i = first + count; i-- > first;) delete parent->rawChild(i);
+  for (int i = first + count; i-- > first;) {
+    SoTreeViewItem* const row = parent->rawChild(i);
+    m_references->removeItem(row);
+    parent->QTreeWidgetItem::takeChild(i);
+    delete row;
+  }
+  if (first < parent->childCount()) parent->sceneIndicesChanged();
 }
 
 void SoVantleTreeView::rebuildItemChildren(SoTreeViewItem* item) {

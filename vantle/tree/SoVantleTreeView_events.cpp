@@ -7,6 +7,7 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/QtText.h"
+#include "vantle/session/VantleManual.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
@@ -16,7 +17,7 @@
 namespace {
 
 /// The class pages of the reference manual.
-char const classPages[] = "https://qor.example/refmans/10.3/RefManCpp/class";
+constexpr char CLASS_PAGES[] = "/refmans/10.3/RefManCpp/class";
 
 SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
@@ -96,5 +97,5 @@ QString SoVantleTreeView::referencePageName(QString const& typeName) {
 
 void SoVantleTreeView::openReferencePage(SoTreeViewItem* item) {
   QString const page = referencePageName(toQString(item->getNode()->getTypeId().getName().toString()));
-  QDesktopServices::openUrl(QUrl(QString::fromLatin1(classPages) + page + QStringLiteral(".html")));
+  QDesktopServices::openUrl(QUrl(VantleManual::page(QLatin1String(CLASS_PAGES) + page + QLatin1String(".html"))));
 }

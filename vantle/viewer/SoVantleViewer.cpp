@@ -113,6 +113,8 @@ void SoVantleViewer::makeExaminer() {
   dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
   m_examiner = std::make_unique<SoQtExaminerViewer>(dock, "Examiner");
   dock->setWidget(m_examiner->getWidget());
+  connect(m_examiner.get(), &SoQtExaminerViewer::picked, this,
+          [this](SbVec2s position, SbViewportRegion const& region) { setPickAction(region, position); });
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   services->setRenderArea(m_examiner->getRenderArea());
   services->setSceneManager(m_examiner->getSceneManager());
@@ -187,7 +189,7 @@ void SoVantleViewer::applyDefaultLayout() {
   SoVantleMainFrame* const frame = mainFrame();
   int const width = frame->width();
   if (m_treeDock) {
-    frame->resizeDocks({m_treeDock, m_overviewDock}, {width * 35 / 100, width * 27 / 100}, Qt::Horizontal);
+    frame->resizeDocks({m_treeDock, m_overviewDock}, {width * 33 / 100, width * 33 / 100}, Qt::Horizontal);
   } else {
     frame->resizeDocks({m_overviewDock}, {width * 50 / 100}, Qt::Horizontal);
   }
