@@ -76,7 +76,7 @@ void SoNodeOverview::initClass() {
   m_nodeNameLabel = makeLabel("m_nodeNameLabel");
   m_nodeNameValue = new QLineEdit(frame);
   m_nodeNameValue->setObjectName(QStringLiteral("m_nodeNameValue"));
-  m_nodeNameValue->setMinimumWidth(80);
+  m_nodeNameValue->setMinimumWidth(60);
   info->addWidget(m_nodeNameLabel);
   info->addWidget(m_nodeNameValue);
   if (SoVantleList::hasNetNameColumn()) info->addWidget(m_nodeNetNameLabel = makeLabel("m_nodeNetNameLabel"));
@@ -87,6 +87,9 @@ void SoNodeOverview::initClass() {
   // In a narrow panel these take two lines instead of keeping it wide.
   m_adressLabel->setWordWrap(true);
   m_nodeIdLabel->setWordWrap(true);
+  // In a narrow dock the address takes a second line, nothing else.
+  m_nodeNameLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
+  m_nodeIdLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
   info->addWidget(m_adressLabel);
   info->addWidget(m_nodeIdLabel);
   frameLayout->addLayout(info);

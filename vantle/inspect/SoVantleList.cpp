@@ -56,7 +56,7 @@ SoVantleList::SoVantleList(QWidget* parent, char const* name, Qt::WindowFlags fl
   headerView->setSectionsClickable(true);
   headerView->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   headerView->setStretchLastSection(true);
-  headerView->setMinimumSectionSize(10);
+  headerView->setMinimumSectionSize(0);  // columns are hidden by width
   setHeader(headerView);
   connect(headerView, &SoHeaderView::rightClicked, this, &SoVantleList::headerRightClicked);
   setStyleSheet(QString::fromLatin1(styleText));
@@ -72,8 +72,8 @@ SoVantleList::SoVantleList(QWidget* parent, char const* name, Qt::WindowFlags fl
   headerItem()->setToolTip(CONNECTED_COLUMN, tr("This field is connected"));
   QTreeWidget::setColumnWidth(IGNORED_COLUMN, 20);
   QTreeWidget::setColumnWidth(CONNECTED_COLUMN, 20);
-  QTreeWidget::setColumnWidth(FIELD_TYPE_COLUMN, 110);
-  QTreeWidget::setColumnWidth(FIELD_NAME_COLUMN, 160);
+  QTreeWidget::setColumnWidth(FIELD_TYPE_COLUMN, 80);
+  QTreeWidget::setColumnWidth(FIELD_NAME_COLUMN, 120);
 
   setSelectionMode(SingleSelection);
   setEditTriggers(NoEditTriggers);
