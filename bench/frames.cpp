@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "bench/bench.h"
 #include "kestrava/nodes/SoCoordinate3.h"
@@ -50,7 +52,7 @@ SoRef<SoNode> makeBox(int i) {
   for (SoNode* node : {static_cast<SoNode*>(points), static_cast<SoNode*>(normals), static_cast<SoNode*>(faces)}) {
     box->addChild(node);
   }
-  return box;
+  return SoRef<SoNode>(box.get());
 }
 
 struct Tree {

@@ -2,7 +2,8 @@
 
 #include "kestrava/base/SbString.h"
 
-/// A named part of a plug-in: a panel, an editor for one type of field, a preference page. The plug-in owns it.
+/// A named part of a plug-in: a panel, an editor for one type of field, a preference page. The plug-in owns
+/// it.
 ///
 /// A field editor follows VntServices::selectedFieldChanged(), which also tells it to clear itself (null).
 /// Everything is called on the GUI thread.

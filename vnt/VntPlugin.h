@@ -17,6 +17,6 @@ class VntPlugin {
   static constexpr int VERSION = 1;
 };
 
-#define VNT_EXPORT_PLUGIN(Class)                                                                      \
+#define VNT_EXPORT_PLUGIN(Class)                                                                          \
   extern "C" __attribute__((visibility("default"))) int vntPluginVersion() { return VntPlugin::VERSION; } \
   extern "C" __attribute__((visibility("default"))) VntPlugin* vntCreatePlugin() { return new Class; }

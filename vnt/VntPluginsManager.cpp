@@ -44,7 +44,8 @@ Reference readReference(QXmlStreamReader const& xml) {
           toSbString(attributes.value(QLatin1String("extension")).toString())};
 }
 
-/// Elements that are not known are passed over, so that a configuration may hold more than this framework uses.
+/// Elements that are not known are passed over, so that a configuration may hold more than this framework
+/// uses.
 Configuration parse(QXmlStreamReader& xml) {
   Configuration result;
   if (xml.readNextStartElement() && xml.name() != QLatin1String("configuration")) {
@@ -76,8 +77,8 @@ Configuration parse(QXmlStreamReader& xml) {
 SbString modulePath(SbString const& file) {
   if (file.str().find('/') != std::string::npos) return SbFileHelper::expandString(file);
   SbString const name = "lib" + file.str() + ".so";
-  SbString const own =
-      SoDynamicLibManager::getLibraryFromSymbol(reinterpret_cast<void const*>(&VntPluginsManager::getInstance));
+  SbString const own = SoDynamicLibManager::getLibraryFromSymbol(
+      reinterpret_cast<void const*>(&VntPluginsManager::getInstance));
   SbString const beside = SbFileHelper::getDirName(own) + name.str();
   return SbFileHelper::exists(beside) ? beside : name;
 }
@@ -100,15 +101,17 @@ struct VntPluginsManager::Private {
     // The module stays loaded when its plug-in goes: code of it may still be in use by the toolkit.
     void* const library = SoDynamicLibManager::open(modulePath(file));
     if (!library) return complain("plug-in " + file.str() + ": " + SoDynamicLibManager::getLastError().str());
-    auto* const version = reinterpret_cast<int (*)()>(SoDynamicLibManager::symbol(library, "vntPluginVersion"));
+    auto* const version =
+        reinterpret_cast<int (*)()>(SoDynamicLibManager::symbol(library, "vntPluginVersion"));
     auto* const create =
         reinterpret_cast<VntPlugin* (*)()>(SoDynamicLibManager::symbol(library, "vntCreatePlugin"));
     // These are faults of the module, whoever named it.
     if (!version || !create) {
       SoDebugError::post("VntPluginsManager::read", "%s is not a plug-in.", file.c_str());
     } else if (version() != VntPlugin::VERSION) {
-      SoDebugError::post("VntPluginsManager::read", "plug-in %s is made for version %d of the framework, this is %d.",
-                         file.c_str(), version(), VntPlugin::VERSION);
+      SoDebugError::post("VntPluginsManager::read",
+                         "plug-in %s is made for version %d of the framework, this is %d.", file.c_str(),
+                         version(), VntPlugin::VERSION);
     } else {
       plugins.emplace_back(create());
     }
@@ -123,7 +126,8 @@ struct VntPluginsManager::Private {
 
   VntExtension* findOrComplain(Reference const& wanted) const {
     VntExtension* const extension = find(wanted);
-    if (!extension) complain("plug-in " + wanted.plugin.str() + " has no extension " + wanted.extension.str());
+    if (!extension)
+      complain("plug-in " + wanted.plugin.str() + " has no extension " + wanted.extension.str());
     return extension;
   }
 

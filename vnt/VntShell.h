@@ -12,9 +12,9 @@ class QWidget;
 class SbString;
 class VntExtension;
 
-/// The window side of the inspector as plug-ins see it: docks, menus, tool bars, status bar, preference pages.
-/// Unregistering what is not registered does nothing; what a plug-in registered it takes back before the shell
-/// goes. The spelling of two names is theirs for good: plug-ins are linked against it.
+/// The window side of the inspector as plug-ins see it: docks, menus, tool bars, status bar, preference
+/// pages. Unregistering what is not registered does nothing; what a plug-in registered it takes back before
+/// the shell goes. The spelling of two names is theirs for good: plug-ins are linked against it.
 class VntShell : public QObject {
   Q_OBJECT
  public:
@@ -33,8 +33,9 @@ class VntShell : public QObject {
   virtual void unregisterContextualMenu(QMenu* menu) = 0;
   virtual void unregisterMenu(QMenu* menu) = 0;
   virtual void unregisterViewMenu(VntExtension* extension) = 0;
-  /// The page is its own receiver of the two slots (string form, either may be null): `initSlot` makes it read
-  /// the settings, `setSlot` write them. The texts are kept as pointers. The first page of an extension wins.
+  /// The page is its own receiver of the two slots (string form, either may be null): `initSlot` makes it
+  /// read the settings, `setSlot` write them. The texts are kept as pointers. The first page of an extension
+  /// wins.
   virtual void registerPreferencePanel(VntExtension* extension, QWidget* page, char const* initSlot,
                                        char const* setSlot) = 0;
   virtual void unregisterPreferencePanel(VntExtension* extension) = 0;

@@ -31,6 +31,9 @@ struct SoDrawMaterial {
 
   /// An index beyond the end means the last colour.
   std::uint32_t getColor(int index) const { return colors[clampIndex(index, colors.size())]; }
+  bool isSpecular() const {
+    return std::any_of(gloss.begin(), gloss.end(), [](Gloss const& g) { return !(g.specular == SbColor(0, 0, 0)); });
+  }
   static int clampIndex(int index, size_t size) { return std::clamp(index, 0, static_cast<int>(size) - 1); }
 };
 

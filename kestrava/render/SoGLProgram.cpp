@@ -38,7 +38,10 @@ char const* const SURFACE = R"( Surface {
   vec3 normal;
   vec4 color;
   vec2 texCoord;
+  flat uint base;  // what shines without light, 8 bits each
+#ifdef SPECULAR
   flat uint material;
+#endif
 #ifdef WIDE_LINES
   noperspective float along;
 #ifdef CLIP
@@ -67,6 +70,7 @@ out float gl_ClipDistance[6];
 #endif
 #endif
 uniform float pointSize;
+uniform samplerBuffer materials;  // a material: emissive and shininess, ambient, specular
 void main() {
 #ifdef INSTANCED
   vec4 p = vec4(position, 1.0);
@@ -83,7 +87,16 @@ void main() {
   s.normal = mat3(view) * n;
   s.color = color.abgr;
   s.texCoord = texCoord;
+#ifdef LIT
+  vec3 base = texelFetch(materials, int(material) * 3).rgb + texelFetch(materials, int(material) * 3 + 1).rgb * ambient.rgb;
+  uvec3 bytes = uvec3(clamp(base, 0.0, 1.0) * 255.0 + 0.5);
+  s.base = bytes.r << 16 | bytes.g << 8 | bytes.b;
+#else
+  s.base = 0u;
+#endif
+#ifdef SPECULAR
   s.material = material;
+#endif
 #ifdef WIDE_LINES
   s.along = 0.0;
 #endif
@@ -110,7 +123,10 @@ void corner(int end, vec4 p, vec2 offset, float along) {
   s.normal = g[end].normal;
   s.color = g[end].color;
   s.texCoord = g[end].texCoord;
+  s.base = g[end].base;
+#ifdef SPECULAR
   s.material = g[end].material;
+#endif
   s.along = along;
 #ifdef CLIP
   for (int i = 0; i < 6; ++i) s.clip[i] = g[end].clip[i];
@@ -138,38 +154,49 @@ void main() {
 
 char const* const FRAGMENT = R"(
 uniform sampler2D image;
-uniform samplerBuffer materials;  // a material: emissive and shininess, ambient, specular
+uniform samplerBuffer materials;
 uniform int textureModel;
 uniform vec3 blendColor;
 uniform int linePattern;
 out vec4 result;
 
-vec3 eyePosition() {
+// From the eye towards the pixel, of any length.
+vec3 eyeRay() {
   vec2 ndc = (gl_FragCoord.xy - viewport.xy) / viewport.zw * 2.0 - 1.0;
-  if (unproject.z > 0.0) return vec3((ndc + shift.xy) * unproject.xy, -1.0) / gl_FragCoord.w;
+  return vec3((ndc + shift.xy) * unproject.xy * unproject.z, -1.0);
+}
+
+vec3 eyePosition() {
+  if (unproject.z > 0.0) return eyeRay() / gl_FragCoord.w;
+  vec2 ndc = (gl_FragCoord.xy - viewport.xy) / viewport.zw * 2.0 - 1.0;
   return vec3((ndc - shift.xy) * unproject.xy, (gl_FragCoord.z * 2.0 - 1.0 - shift.z) * unproject.w);
 }
 
 vec3 glossy = vec3(0.0);
 
-vec3 shade(vec3 diffuse, vec3 eye) {
-  int row = int(s.material) * 3;
-  vec4 emissive = texelFetch(materials, row);
-  vec3 specular = texelFetch(materials, row + 2).rgb;
-  bool glossyMaterial = specular.r + specular.g + specular.b > 0.0;
-  vec3 sum = emissive.rgb + texelFetch(materials, row + 1).rgb * ambient.rgb;
-  vec3 v = unproject.z > 0.0 ? normalize(-eye) : vec3(0.0, 0.0, 1.0);
+#ifdef LIT
+vec3 shade(vec3 diffuse) {
+  vec3 sum = vec3((uvec3(s.base) >> uvec3(16, 8, 0)) & 255u) / 255.0;
   vec3 n = normalize(s.normal);
 #ifdef BOTH_SIDES
 #ifdef FACING
   if (!gl_FrontFacing) n = -n;
 #else
-  if (dot(n, v) < 0.0) n = -n;
+  if (dot(n, eyeRay()) > 0.0) n = -n;
 #endif
 #endif
-  for (int i = 0; i < int(counts.x); ++i) {
+#ifdef POSITIONAL
+  vec3 eye = eyePosition();
+#endif
+#ifdef SPECULAR
+  vec3 v = -normalize(eyeRay());
+  float shininess = max(texelFetch(materials, int(s.material) * 3).a * 128.0, 1e-3);
+  vec3 specular = texelFetch(materials, int(s.material) * 3 + 2).rgb;
+#endif
+  for (int i = 0; i < NUM_LIGHTS; ++i) {
     vec3 l = -lights[i].direction.xyz;
     vec3 light = lights[i].color.rgb;
+#ifdef POSITIONAL
     if (lights[i].position.w > 0.0) {
       vec3 way = lights[i].position.xyz - eye;
       float d = length(way);
@@ -181,17 +208,16 @@ vec3 shade(vec3 diffuse, vec3 eye) {
         light *= c >= lights[i].direction.w ? pow(max(c, 0.0), lights[i].color.w) : 0.0;
       }
     }
-    float facing = dot(n, l);
-    if (facing > 0.0) {
-      sum += diffuse * light * facing;
-      if (glossyMaterial) {
-        float h = max(dot(n, normalize(l + v)), 0.0);
-        glossy += specular * light * pow(h, max(emissive.a * 128.0, 1e-3));
-      }
-    }
+#endif
+    float facing = max(dot(n, l), 0.0);
+    sum += diffuse * light * facing;
+#ifdef SPECULAR
+    if (facing > 0.0) glossy += specular * light * pow(max(dot(n, normalize(l + v)), 0.0), shininess);
+#endif
   }
   return sum;
 }
+#endif
 
 void main() {
 #ifdef WIDE_LINES
@@ -203,11 +229,8 @@ void main() {
 #endif
 #endif
   vec4 color = s.color;
-#if defined(LIT) || defined(FOG)
-  vec3 eye = eyePosition();
-#endif
 #ifdef LIT
-  color.rgb = shade(color.rgb, eye);
+  color.rgb = shade(color.rgb);
 #endif
 #ifdef TEXTURE
   vec4 texel = texture(image, s.texCoord);
@@ -225,7 +248,7 @@ void main() {
 #endif
   color.rgb += glossy;
 #ifdef FOG
-  float far = length(eye) / max(counts.z, 1e-20);
+  float far = length(eyePosition()) / max(counts.z, 1e-20);
   float clear = fogColor.w < 1.5 ? 1.0 - far : fogColor.w < 2.5 ? exp(-5.5 * far) : exp(-5.5 * far * far);
   color.rgb = mix(fogColor.rgb, color.rgb, clamp(clear, 0.0, 1.0));
 #endif
@@ -239,11 +262,13 @@ std::string header(unsigned features) {
       {SoGLProgram::FACING, "FACING"},     {SoGLProgram::TEXTURE, "TEXTURE"},
       {SoGLProgram::CLIP, "CLIP"},         {SoGLProgram::ENVIRONMENT_MAP, "ENVIRONMENT_MAP"},
       {SoGLProgram::FOG, "FOG"},           {SoGLProgram::WIDE_LINES, "WIDE_LINES"},
-      {SoGLProgram::CUT_OUT, "CUT_OUT"},   {SoGLProgram::INSTANCED, "INSTANCED"}};
+      {SoGLProgram::CUT_OUT, "CUT_OUT"},   {SoGLProgram::INSTANCED, "INSTANCED"},
+      {SoGLProgram::SPECULAR, "SPECULAR"}, {SoGLProgram::POSITIONAL, "POSITIONAL"}};
   std::string text = "#version 330 core\n";
   for (auto const& [feature, name] : names) {
     if (features & feature) text += std::string("#define ") + name + "\n";
   }
+  text += "#define NUM_LIGHTS " + std::to_string(features >> 16) + "\n";
   return text + BLOCKS;
 }
 

@@ -18,7 +18,11 @@ class SoGLProgram {
     WIDE_LINES = 128,    ///< lines of any width with a pattern; takes lines
     INSTANCED = 256,
     CUT_OUT = 512,       ///< pixels below half opacity are not drawn
+    SPECULAR = 1024,     ///< some material has highlights
+    POSITIONAL = 2048,   ///< some light is not directional
   };
+  /// LIT comes with a number of lights: loops over a number that is known are several times as fast.
+  static constexpr unsigned withLights(int count) { return static_cast<unsigned>(count) << 16; }
   enum Attribute : unsigned { POSITION, NORMAL, COLOR, MATERIAL, TEX_COORD, MATRIX /* and the next two */ };
   enum Uniform { TEXTURE_MODEL, BLEND_COLOR, LINE_WIDTH, LINE_PATTERN, POINT_SIZE, NUM_UNIFORMS };
   enum Unit : int { IMAGE_UNIT, MATERIAL_UNIT };

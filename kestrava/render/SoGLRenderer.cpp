@@ -190,6 +190,10 @@ void SoGLRenderer::prepare(SoDrawList const& list) {
     group.look = list.getLooks()[i / std::size(primitives)];
     group.primitive = primitives[i % std::size(primitives)];
     group.features = featuresOf(list, group);
+    auto shines = [&](int item) { return list.getMaterials()[list.getItems()[item].material].isSpecular(); };
+    if (group.look.lit && std::any_of(members[i].begin(), members[i].end(), shines)) {
+      group.features |= SoGLProgram::SPECULAR;
+    }
     addPages(list, group, members[i], rows, pages);
     m_groups.push_back(std::move(group));
   }
@@ -289,6 +293,11 @@ unsigned SoGLRenderer::featuresOf(SoDrawList const& list, Group const& group) co
   if (look.lit) {
     features |= P::LIT;
     if (!look.culled || group.primitive != SoGLPage::TRIANGLES) features |= P::BOTH_SIDES;
+    if (std::any_of(surroundings.lights.begin(), surroundings.lights.end(), [](SoLightElement::Light const& light) {
+          return light.kind != SoLightElement::Light::DIRECTIONAL;
+        })) {
+      features |= P::POSITIONAL;
+    }
     if (look.ordered && group.primitive == SoGLPage::TRIANGLES) features |= P::FACING;
   }
   if (look.texture >= 0) {
@@ -335,12 +344,12 @@ void SoGLRenderer::setSurroundings(SoDrawList const& list, Frame const& frame) {
   m_surroundingsStride = (static_cast<int>(sizeof(SurroundingsBlock)) + alignment - 1) / alignment * alignment;
   SbMatrix view, projection;
   frame.volume.getMatrices(view, projection);
-  bool const headlight = frame.headlight == ON || (frame.headlight == WHEN_DARK && !list.hasLights());
+  m_headlight = frame.headlight == ON || (frame.headlight == WHEN_DARK && !list.hasLights());
   float const reach = frame.volume.getNearDist() + frame.volume.getDepth();
   size_t const stride = static_cast<size_t>(m_surroundingsStride);
   std::vector<unsigned char> bytes(std::max<size_t>(1, list.getSurroundings().size()) * stride);
   for (size_t i = 0; i < list.getSurroundings().size(); ++i) {
-    SurroundingsBlock const block = blockOf(list.getSurroundings()[i], view, headlight, reach);
+    SurroundingsBlock const block = blockOf(list.getSurroundings()[i], view, m_headlight, reach);
     std::memcpy(bytes.data() + i * stride, &block, sizeof block);
   }
   if (!m_surroundingsBuffer) glGenBuffers(1, &m_surroundingsBuffer);
@@ -349,8 +358,13 @@ void SoGLRenderer::setSurroundings(SoDrawList const& list, Frame const& frame) {
 }
 
 bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group) {
-  auto const [known, isNew] = m_programs.try_emplace(group.features);
-  if (isNew) known->second = SoGLProgram::make(group.features);
+  unsigned features = group.features;
+  if (features & SoGLProgram::LIT) {
+    size_t const lights = list.getSurroundings()[group.look.surroundings].lights.size() + m_headlight;
+    features |= SoGLProgram::withLights(static_cast<int>(std::min<size_t>(lights, SoGLProgram::MAX_LIGHTS)));
+  }
+  auto const [known, isNew] = m_programs.try_emplace(features);
+  if (isNew) known->second = SoGLProgram::make(features);
   SoGLProgram const& program = known->second;
   if (!program.getName()) return false;
   SoDrawLook const& look = group.look;

@@ -99,5 +99,6 @@ class SoGLRenderer {
   std::vector<Turn> m_turns;
   int m_clipDistances = 0;
   Statistics m_statistics;
+  bool m_headlight = false;
   bool m_drawing = true;
 };

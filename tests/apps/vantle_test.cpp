@@ -16,11 +16,12 @@ namespace {
 
 struct Outcome {
   int status;
-  std::string output;  // both channels
+  std::string output; // both channels
 };
 
 Outcome run(std::string const& arguments) {
-  std::string const command = "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " VANTLE_BIN_DIR "/vantle " + arguments + " 2>&1";
+  std::string const command =
+      "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " VANTLE_BIN_DIR "/vantle " + arguments + " 2>&1";
   Outcome result;
   FILE* const pipe = popen(command.c_str(), "r");
   std::array<char, 4096> part;
@@ -52,7 +53,8 @@ struct Part {
   int matching = 0;
 };
 
-Part lookAt(SbImage const& image, double left, double bottom, double right, double top, std::array<int, 3> wanted) {
+Part lookAt(SbImage const& image, double left, double bottom, double right, double top,
+            std::array<int, 3> wanted) {
   Part part;
   for (int y = int(bottom * image.getHeight()); y < int(top * image.getHeight()); ++y) {
     for (int x = int(left * image.getWidth()); x < int(right * image.getWidth()); ++x) {
@@ -66,12 +68,10 @@ Part lookAt(SbImage const& image, double left, double bottom, double right, doub
   return part;
 }
 
-constexpr char RED_CUBE[] =
-    "Separator { BaseColor { rgb 1 0 0 } LightModel { model BASE_COLOR } Cube { } }";
+constexpr char RED_CUBE[] = "Separator { BaseColor { rgb 1 0 0 } LightModel { model BASE_COLOR } Cube { } }";
 
 TEST_F(ProgramTest, SnapshotShowsTreeAndScene) {
-  Outcome const result =
-      run("--snapshot " + picture() + " --size 1000x700 " + scene("red.kv", RED_CUBE));
+  Outcome const result = run("--snapshot " + picture() + " --size 1000x700 " + scene("red.kv", RED_CUBE));
   ASSERT_EQ(result.status, 0) << result.output;
   SbImage image;
   ASSERT_EQ(SbImageReader::read(picture(), image), "");

@@ -17,6 +17,9 @@ class SoVantleMainFrame;
 class SoVantleTreeView;
 class SoVantleViewer;
 
+/// How GoogleTest shows texts.
+inline void PrintTo(QString const& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+
 /// One session a test, with settings of its own that start empty. The Qt application is the test program's,
 /// as a host's would be.
 class VantleTest : public ::testing::Test {

@@ -21,7 +21,8 @@ namespace {
 using FrameTest = VantleTest;
 
 QString const CATEGORIES =
-    "Appearance|Callback|Camera|Group|Light|Manipulator|Nodekit|Property|Selection|Separator|Shape|Switch|Topology|"
+    "Appearance|Callback|Camera|Group|Light|Manipulator|Nodekit|Property|Selection|Separator|Shape|Switch|"
+    "Topology|"
     "Transform";
 
 /// Texts of the entries with "-" for separators, submenus in parentheses.
@@ -44,15 +45,20 @@ TEST_F(FrameTest, MenusAndBars) {
   for (QAction* action : frame()->menuBar()->actions()) {
     menus << action->text() + ": " + describe(action->menu()->actions());
   }
-  EXPECT_EQ(menus.join('\n').toStdString(),
-            ("File: &New|&Open...|-|&Reload|-|&Close|-|&Save|Save &As...|-|&Export|-|&Print...|-|Recent &Files|-|&Quit\n"
-             "&Edit: &Undo|&Redo|-|Cu&t|&Copy|&Paste|-|&Delete|-|&Preferences...\n"
-             "&View: \n"
-             "&TreeView: &Set Ignored/Enable|-|Show &All References|&Hide All References|-|Ne&xt|&Preferences...|-|"
-             "&Find...|Find &Next|-|"
-             "Bookmarks (Toggle Bookmark|-|Next Bookmark|Previous Bookmark|-|Clear All Bookmarks)|"
-             "Filter (Toggle Filters|-|" + CATEGORIES + ")\n"
-             "&?: &Contents|-|&About Vantle").toStdString());
+  EXPECT_EQ(
+      menus.join('\n').toStdString(),
+      ("File: &New|&Open...|-|&Reload|-|&Close|-|&Save|Save &As...|-|&Export|-|&Print...|-|Recent "
+       "&Files|-|&Quit\n"
+       "&Edit: &Undo|&Redo|-|Cu&t|&Copy|&Paste|-|&Delete|-|&Preferences...\n"
+       "&View: \n"
+       "&TreeView: &Set Ignored/Enable|-|Show &All References|&Hide All References|-|Ne&xt|&Preferences...|-|"
+       "&Find...|Find &Next|-|"
+       "Bookmarks (Toggle Bookmark|-|Next Bookmark|Previous Bookmark|-|Clear All Bookmarks)|"
+       "Filter (Toggle Filters|-|" +
+       CATEGORIES +
+       ")\n"
+       "&?: &Contents|-|&About Vantle")
+          .toStdString());
 
   QStringList bars;
   for (QToolBar* bar : {frame()->getFileToolbar(), frame()->getEditToolbar(), frame()->getSearchToolbar(),
@@ -65,19 +71,37 @@ TEST_F(FrameTest, MenusAndBars) {
              "Edit Tool Bar: &Undo|&Redo|-|Cu&t|&Copy|&Paste|-|&Delete\n"
              "Search Tool Bar: &Find...||Find Pre&vious|Find &Next\n"
              "Bookmark Tool Bar: Toggle Bookmark|-|Previous Bookmark|Next Bookmark|-|Clear All Bookmarks\n"
-             "Filter Tool Bar: Toggle Filters|-|" + CATEGORIES).toStdString());
+             "Filter Tool Bar: Toggle Filters|-|" +
+             CATEGORIES)
+                .toStdString());
 }
 
 TEST_F(FrameTest, ShortcutsAndIcons) {
   start();
-  std::map<QString, QString> const expected = {
-      {"&New", "Ctrl+N"}, {"&Open...", "Ctrl+O"}, {"&Reload", "Ctrl+R"}, {"&Save", "Ctrl+S"},
-      {"&Print...", "Ctrl+P"}, {"&Export", "Ctrl+E"}, {"&Quit", "Ctrl+Q"}, {"&Undo", "Ctrl+Z"},
-      {"&Redo", "Ctrl+Y"}, {"Cu&t", "Ctrl+X"}, {"&Copy", "Ctrl+C"}, {"&Paste", "Ctrl+V"},
-      {"&Find...", "Ctrl+N"}, {"Find &Next", "F3"}, {"Find Pre&vious", "Shift+F3"},
-      {"Toggle Bookmark", "Ctrl+F2"}, {"Next Bookmark", "F2"}, {"Previous Bookmark", "Shift+F2"},
-      {"Clear All Bookmarks", "Alt+F2"}, {"Show &All References", "F4"}, {"&Hide All References", "Ctrl+F4"},
-      {"Ne&xt", "F2"}, {"Pre&vious", "Shift+F2"}, {"&Contents", "Shift+F1"}};
+  std::map<QString, QString> const expected = {{"&New", "Ctrl+N"},
+                                               {"&Open...", "Ctrl+O"},
+                                               {"&Reload", "Ctrl+R"},
+                                               {"&Save", "Ctrl+S"},
+                                               {"&Print...", "Ctrl+P"},
+                                               {"&Export", "Ctrl+E"},
+                                               {"&Quit", "Ctrl+Q"},
+                                               {"&Undo", "Ctrl+Z"},
+                                               {"&Redo", "Ctrl+Y"},
+                                               {"Cu&t", "Ctrl+X"},
+                                               {"&Copy", "Ctrl+C"},
+                                               {"&Paste", "Ctrl+V"},
+                                               {"&Find...", "Ctrl+N"},
+                                               {"Find &Next", "F3"},
+                                               {"Find Pre&vious", "Shift+F3"},
+                                               {"Toggle Bookmark", "Ctrl+F2"},
+                                               {"Next Bookmark", "F2"},
+                                               {"Previous Bookmark", "Shift+F2"},
+                                               {"Clear All Bookmarks", "Alt+F2"},
+                                               {"Show &All References", "F4"},
+                                               {"&Hide All References", "Ctrl+F4"},
+                                               {"Ne&xt", "F2"},
+                                               {"Pre&vious", "Shift+F2"},
+                                               {"&Contents", "Shift+F1"}};
   std::map<QString, QString> found;
   for (QAction* action : frame()->actions()) {
     if (!action->shortcut().isEmpty()) found[action->text()] = action->shortcut().toString();

@@ -23,15 +23,18 @@ using ShellTest = VantleTest;
 
 struct Panel : VntExtension {
   SbString getName() const override { return "Panel"; }
-  SbString getInfo() const override { return SbString::fromLatin1("Gr\xf6\xdf" "e"); }
+  SbString getInfo() const override {
+    return SbString::fromLatin1(
+        "Gr\xf6\xdf"
+        "e");
+  }
   void show() override { ++shown; }
   void hide() override { ++hidden; }
   int shown = 0, hidden = 0;
 };
 
 /// The errors that the toolkit is told while this lives.
-template <class Error>
-struct Errors {
+template <class Error> struct Errors {
   Errors() { Error::setHandlerCallback(take, this); }
   ~Errors() { Error::setHandlerCallback(nullptr); }
   static void take(SoError const* error, void* self) {
@@ -108,7 +111,8 @@ TEST_F(ShellTest, ServicesStoreBeforeTheyTell) {
   SoNode* seenScene = nullptr;
   SoField* seenField = nullptr;
   QObject::connect(services, &VntServices::sceneGraphChanged, [&] { seenScene = services->getSceneGraph(); });
-  QObject::connect(services, &VntServices::selectedFieldChanged, [&] { seenField = services->getSelectedField(); });
+  QObject::connect(services, &VntServices::selectedFieldChanged,
+                   [&] { seenField = services->getSelectedField(); });
   services->setSceneGraph(scene);
   EXPECT_EQ(seenScene, scene.get());
   services->setSelectedField(node->getField(0));
@@ -133,7 +137,7 @@ TEST(PluginsManagerTest, SaysWhatIsWrongWithAConfiguration) {
   struct Case {
     SbString source;
     bool isFile, isRead;
-    char const* complaint;  // null: none
+    char const* complaint; // null: none
   } const cases[] = {
       {toSbString(file.fileName()), true, true, "no_such_module"},
       {SbString(missing.toStdString()), false, true, nullptr},
@@ -145,7 +149,8 @@ TEST(PluginsManagerTest, SaysWhatIsWrongWithAConfiguration) {
     Errors<SoDebugError> errors;
     EXPECT_EQ(VntPluginsManager::getInstance()->read(c.source, c.isFile), c.isRead) << c.source.str();
     EXPECT_EQ(errors.texts.size(), c.complaint ? 1 : 0) << c.source.str();
-    EXPECT_TRUE(errors.texts.value(0).contains(c.complaint ? c.complaint : "")) << qPrintable(errors.texts.value(0));
+    EXPECT_TRUE(errors.texts.value(0).contains(c.complaint ? c.complaint : ""))
+        << qPrintable(errors.texts.value(0));
   }
   VntPluginsManager::releaseInstance();
 }

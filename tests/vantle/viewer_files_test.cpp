@@ -29,7 +29,8 @@ class FilesTest : public VantleTest {
   }
   QString rootChildType() const {
     auto const* const root = dynamic_cast<SoGroup*>(viewer()->getScene());
-    return root && root->getNumChildren() ? toQString(root->getChild(0)->getTypeId().getName().toString()) : "";
+    return root && root->getNumChildren() ? toQString(root->getChild(0)->getTypeId().getName().toString())
+                                          : "";
   }
   /// As if the user had edited something.
   void change() {
@@ -117,8 +118,8 @@ TEST_F(FilesTest, RecentFilesAreNineLatestFirst) {
 
   QFile::remove(names[1]);
   {
-    BoxAnswer box("Vantle -- Load File", "Can't load '" + names[1] + "'. \n This file doesn't exist anymore.", {"OK"},
-                  "OK");
+    BoxAnswer box("Vantle -- Load File", "Can't load '" + names[1] + "'. \n This file doesn't exist anymore.",
+                  {"OK"}, "OK");
     viewer()->fileLoadRecent(1);
   }
   EXPECT_EQ(viewer()->getRecentFiles(), names) << "the entry stays";
@@ -137,7 +138,8 @@ TEST_F(FilesTest, UnsavedChanges) {
   struct Case {
     char const* press;
     bool goesOn, isSaved;
-  } const cases[] = {{"Yes", true, true}, {"No", true, false}, {"Escape", true, false}, {"Cancel", false, false}};
+  } const cases[] = {
+      {"Yes", true, true}, {"No", true, false}, {"Escape", true, false}, {"Cancel", false, false}};
   for (Case const& c : cases) {
     scene("a.kv");
     viewer()->fileLoad(name);
@@ -172,8 +174,8 @@ TEST_F(FilesTest, WritingAFile) {
     EXPECT_EQ(cube->width.getValue(), 3.0f);
   }
   // The type of a file that is written over follows from its header.
-  EXPECT_TRUE(viewer()->fileWrite(viewer()->getScene(), toSbString(folder() + "/a.kv"), SoVantleViewer::FROM_HEADER,
-                                  false));
+  EXPECT_TRUE(viewer()->fileWrite(viewer()->getScene(), toSbString(folder() + "/a.kv"),
+                                  SoVantleViewer::FROM_HEADER, false));
   SbString const noScene = toSbString(writeFile("text.kv", "no scene"));
   EXPECT_FALSE(viewer()->fileWrite(viewer()->getScene(), noScene, SoVantleViewer::FROM_HEADER, false));
   EXPECT_FALSE(viewer()->fileWrite(nullptr, noScene, SoVantleViewer::ASCII, false));
@@ -194,7 +196,8 @@ TEST_F(FilesTest, SavingClearsTheHistoryAndAFailedSaveTheName) {
 
   QString const impossible = folder() + "/no/such/folder.kv";
   BoxAnswer box("File Error Dialog", "Error creating file: " + impossible, {"OK"}, "OK");
-  EXPECT_FALSE(viewer()->fileWrite(viewer()->getScene(), toSbString(impossible), SoVantleViewer::ASCII, false));
+  EXPECT_FALSE(
+      viewer()->fileWrite(viewer()->getScene(), toSbString(impossible), SoVantleViewer::ASCII, false));
 }
 
 TEST_F(FilesTest, ADropLoadsTheFirstFile) {
@@ -211,7 +214,8 @@ TEST_F(FilesTest, ADropLoadsTheFirstFile) {
     return enter.isAccepted();
   };
   EXPECT_FALSE(drop({}));
-  EXPECT_TRUE(drop({QUrl::fromLocalFile(folder() + "/none.kv")})) << "a file that is not there is passed over";
+  EXPECT_TRUE(drop({QUrl::fromLocalFile(folder() + "/none.kv")}))
+      << "a file that is not there is passed over";
   EXPECT_EQ(viewer()->getFileName(), "");
   EXPECT_TRUE(drop({QUrl::fromLocalFile(first), QUrl::fromLocalFile(second)}));
   EXPECT_EQ(viewer()->getRecentFiles(), QList<QString>{first});

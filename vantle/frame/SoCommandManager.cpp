@@ -34,9 +34,13 @@ void SoCommandManager::initCommandManager(bool) {
   m_treeView = SoVantleViewer::getInstance()->getTreeView();
 }
 
-SoVantleMainFrame* SoCommandManager::mainFrame() const { return VntShellImpl::getImplInstance()->getMainFrame(); }
+SoVantleMainFrame* SoCommandManager::mainFrame() const {
+  return VntShellImpl::getImplInstance()->getMainFrame();
+}
 
-SoTreeViewItem* SoCommandManager::currentTreeItem() const { return m_treeView ? m_treeView->currentItem() : nullptr; }
+SoTreeViewItem* SoCommandManager::currentTreeItem() const {
+  return m_treeView ? m_treeView->currentItem() : nullptr;
+}
 
 // The history.
 

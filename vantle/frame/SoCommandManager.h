@@ -38,7 +38,8 @@ class SoCommandManager : public QObject {
   void processClearUndoCommand();
   /// Saves the settings and asks for a deferred stop.
   void exitApp();
-  /// Keeps the text of the first error; `manager` is the command manager. For embeddings that read themselves.
+  /// Keeps the text of the first error; `manager` is the command manager. For embeddings that read
+  /// themselves.
   static void applySceneErrorCB(SoError const* error, void* manager);
   void displayError();
   /// A row of the tree is about to be destroyed.
@@ -109,15 +110,15 @@ class SoCommandManager : public QObject {
   void makeCurrent(SoTreeViewItem* item);
   void findWith(int flags);
 
-  SoVantleTreeView* m_treeView = nullptr;  // the viewer's
+  SoVantleTreeView* m_treeView = nullptr; // the viewer's
   std::unique_ptr<QString> m_pendingReadError;
   bool m_changed = false;
   bool m_clearPending = false;
   int m_busyDepth = 0;
-  std::unique_ptr<QList<VntCommand*>> m_commandHistory;  // may hold a command more than once
-  int m_historyIndex = 0;                                // of the last executed command, -1: none
+  std::unique_ptr<QList<VntCommand*>> m_commandHistory; // may hold a command more than once
+  int m_historyIndex = 0;                               // of the last executed command, -1: none
   std::unique_ptr<QList<SoTreeViewItem*>> m_overviewItems;
-  SoVantleEdition* m_edition = nullptr;  // the viewer's
+  SoVantleEdition* m_edition = nullptr; // the viewer's
   /// Where a watched field was taken from; the key is the watch entry's address as a decimal number.
   std::unique_ptr<QMultiHash<QString, SoTreeViewItem*>> m_watchOrigins;
   SoNode* m_nodeClipboard = nullptr;

@@ -1,7 +1,7 @@
 // The slots of the tree, the node overview and the field watch.
 //
-// What edits the tree, the find dialog and the preferences dialog come with those; until a slot has its worker
-// it answers as it does to an empty selection.
+// What edits the tree, the find dialog and the preferences dialog come with those; until a slot has its
+// worker it answers as it does to an empty selection.
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -74,7 +74,9 @@ void SoVantleMainFrame::removeMenu(QMenu* menu) { menuBar()->removeAction(menu->
 
 // Edit.
 
-void SoVantleMainFrame::on_cutAction_activated() { VntServicesImpl::getImplInstance()->getCommandManager()->cutNode(); }
+void SoVantleMainFrame::on_cutAction_activated() {
+  VntServicesImpl::getImplInstance()->getCommandManager()->cutNode();
+}
 void SoVantleMainFrame::on_copyAction_activated() {
   VntServicesImpl::getImplInstance()->getCommandManager()->copyNode();
 }
@@ -110,9 +112,7 @@ void SoVantleMainFrame::on_customFilterAction_toggled(bool) {}
 
 // Files.
 
-void SoVantleMainFrame::setFile(QString const& name) {
-  SoVantleViewer::getInstance()->fileLoad(name);
-}
+void SoVantleMainFrame::setFile(QString const& name) { SoVantleViewer::getInstance()->fileLoad(name); }
 
 void SoVantleMainFrame::dragEnterEvent(QDragEnterEvent* event) {
   if (!event->mimeData()->urls().isEmpty()) event->acceptProposedAction();

@@ -58,7 +58,7 @@ class SoVantleMainFrame : public QMainWindow {
   QAction *m_findAction, *m_findNextAction, *m_findPreviousAction;
   QAction *m_toggleBookmarkAction, *m_nextBookmarkAction, *m_previousBookmarkAction, *m_clearBookmarksAction;
   QAction* m_toggleFilterAction;
-  std::array<QAction*, CATEGORIES> m_categoryActions;  // in the order of the category bits
+  std::array<QAction*, CATEGORIES> m_categoryActions; // in the order of the category bits
   QAction* m_customFilterAction;
   QAction* m_preferencesAction;
   QAction *m_contentsAction, *m_aboutAction;

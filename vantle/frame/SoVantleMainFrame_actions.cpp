@@ -117,7 +117,8 @@ void SoVantleMainFrame::setupMenuBar() {
   m_recentFilesMenu = new QMenu(tr("Recent &Files"), m_fileMenu);
   SoCommandManager* const commands = VntServicesImpl::getImplInstance()->getCommandManager();
   for (int i = 0; i < SoVantleViewer::MAX_RECENT_FILES; ++i) {
-    QAction* const action = m_recentFilesMenu->addAction(QString(), commands, &SoCommandManager::openFileRecent);
+    QAction* const action =
+        m_recentFilesMenu->addAction(QString(), commands, &SoCommandManager::openFileRecent);
     action->setVisible(false);
   }
   fill(m_fileMenu, {m_newAction, m_openAction, nullptr, m_reloadAction, nullptr, m_closeAction, nullptr,
@@ -132,15 +133,15 @@ void SoVantleMainFrame::setupMenuBar() {
 
   m_treeviewMenu = menuBar()->addMenu(tr("&TreeView"));
   m_bookmarkMenu = new QMenu(tr("Bookmarks"), m_treeviewMenu);
-  fill(m_bookmarkMenu, {m_toggleBookmarkAction, nullptr, m_nextBookmarkAction, m_previousBookmarkAction, nullptr,
-                        m_clearBookmarksAction});
+  fill(m_bookmarkMenu, {m_toggleBookmarkAction, nullptr, m_nextBookmarkAction, m_previousBookmarkAction,
+                        nullptr, m_clearBookmarksAction});
   m_filterMenu = new QMenu(tr("Filter"), m_treeviewMenu);
   fill(m_filterMenu, {m_toggleFilterAction, nullptr});
   fill(m_filterMenu, QList<QAction*>(m_categoryActions.begin(), m_categoryActions.end()));
   // The preferences stand where one would look for the previous reference; meant so.
-  fill(m_treeviewMenu, {m_ignoreEnableAction, nullptr, m_showAllReferencesAction, m_hideAllReferencesAction, nullptr,
-                        m_nextReferenceAction, m_preferencesAction, nullptr, m_findAction, m_findNextAction, nullptr,
-                        m_bookmarkMenu->menuAction(), m_filterMenu->menuAction()});
+  fill(m_treeviewMenu, {m_ignoreEnableAction, nullptr, m_showAllReferencesAction, m_hideAllReferencesAction,
+                        nullptr, m_nextReferenceAction, m_preferencesAction, nullptr, m_findAction,
+                        m_findNextAction, nullptr, m_bookmarkMenu->menuAction(), m_filterMenu->menuAction()});
 
   m_helpMenu = menuBar()->addMenu(tr("&?"));
   fill(m_helpMenu, {m_contentsAction, nullptr, m_aboutAction});
@@ -149,7 +150,7 @@ void SoVantleMainFrame::setupMenuBar() {
 void SoVantleMainFrame::setupToolBars() {
   auto const makeBar = [this](QString const& title, char const* name) {
     QToolBar* const bar = addToolBar(title);
-    bar->setObjectName(QLatin1String(name));  // the stored layout refers to it
+    bar->setObjectName(QLatin1String(name)); // the stored layout refers to it
     return bar;
   };
   m_fileToolbar = makeBar(tr("File Tool Bar"), "fileToolBar");
@@ -157,10 +158,10 @@ void SoVantleMainFrame::setupToolBars() {
                        m_saveAction, m_saveAsAction, nullptr, m_printAction, m_exportAction});
 
   m_editToolbar = makeBar(tr("Edit Tool Bar"), "editToolBar");
-  fill(m_editToolbar,
-       {m_undoAction, m_redoAction, nullptr, m_cutAction, m_copyAction, m_pasteAction, nullptr, m_deleteAction});
+  fill(m_editToolbar, {m_undoAction, m_redoAction, nullptr, m_cutAction, m_copyAction, m_pasteAction, nullptr,
+                       m_deleteAction});
 
-  addToolBarBreak();  // in one row the last ones would hide their buttons on most screens
+  addToolBarBreak(); // in one row the last ones would hide their buttons on most screens
   m_searchToolbar = makeBar(tr("Search Tool Bar"), "searchToolBar");
   m_findComboBox = new QComboBox(m_searchToolbar);
   m_findComboBox->setEditable(true);
@@ -171,8 +172,8 @@ void SoVantleMainFrame::setupToolBars() {
   fill(m_searchToolbar, {m_findPreviousAction, m_findNextAction});
 
   m_bookmarkToolbar = makeBar(tr("Bookmark Tool Bar"), "bookmarkToolBar");
-  fill(m_bookmarkToolbar, {m_toggleBookmarkAction, nullptr, m_previousBookmarkAction, m_nextBookmarkAction, nullptr,
-                           m_clearBookmarksAction});
+  fill(m_bookmarkToolbar, {m_toggleBookmarkAction, nullptr, m_previousBookmarkAction, m_nextBookmarkAction,
+                           nullptr, m_clearBookmarksAction});
 
   m_filterToolbar = makeBar(tr("Filter Tool Bar"), "filterToolBar");
   fill(m_filterToolbar, {m_toggleFilterAction, nullptr});
@@ -222,8 +223,10 @@ void SoVantleMainFrame::setDefaultState() {
   using Manager = SoCommandManager;
   Manager* const commands = VntServicesImpl::getImplInstance()->getCommandManager();
   m_deleteAction->setEnabled(false);
-  connect(m_showAllReferencesAction, &QAction::triggered, commands, [commands] { commands->showAllReferences(); });
-  connect(m_hideAllReferencesAction, &QAction::triggered, commands, [commands] { commands->removeAllReferences(); });
+  connect(m_showAllReferencesAction, &QAction::triggered, commands,
+          [commands] { commands->showAllReferences(); });
+  connect(m_hideAllReferencesAction, &QAction::triggered, commands,
+          [commands] { commands->removeAllReferences(); });
   connect(m_nextReferenceAction, &QAction::triggered, commands, &Manager::nextReference);
   connect(m_previousReferenceAction, &QAction::triggered, commands, &Manager::previousReference);
   connect(m_ignoreEnableAction, &QAction::triggered, commands, &Manager::ignoreEnable);

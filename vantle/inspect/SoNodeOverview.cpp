@@ -84,14 +84,15 @@ void SoNodeOverview::initClass() {
   m_adressLabel = makeLabel("m_adressLabel");
   m_adressLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
   m_nodeIdLabel = makeLabel("m_nodeIdLabel");
-  // In a narrow panel these take two lines instead of keeping it wide.
+  // In a narrow panel these take two lines instead of keeping it wide, in a wide one they have room for one.
   m_adressLabel->setWordWrap(true);
   m_nodeIdLabel->setWordWrap(true);
   // In a narrow dock the address takes a second line, nothing else.
   m_nodeNameLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
   m_nodeIdLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
-  info->addWidget(m_adressLabel);
-  info->addWidget(m_nodeIdLabel);
+  info->addWidget(m_adressLabel, 3);
+  info->addWidget(m_nodeIdLabel, 1);
+  info->setStretchFactor(m_nodeNameValue, 2);
   frameLayout->addLayout(info);
 
   auto* const checks = new QHBoxLayout;

@@ -7,6 +7,6 @@ LiveInput::LiveInput(QString const& fileName, QWidget* parent)
   m_progress.setValue(0);
 }
 
-// Once the dialog is up, setting the value also repaints; being window-modal it keeps the user's input away from
-// the frame meanwhile.
+// Once the dialog is up, setting the value also repaints; being window-modal it keeps the user's input away
+// from the frame meanwhile.
 void LiveInput::updateReadPercent(double percent) { m_progress.setValue(static_cast<int>(percent)); }

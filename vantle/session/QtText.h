@@ -8,9 +8,7 @@
 
 // The toolkit's texts and Qt's; both ways without loss.
 
-inline QString toQString(SbString const& text) {
-  return QString::fromUtf8(text.c_str(), text.getLength());
-}
+inline QString toQString(SbString const& text) { return QString::fromUtf8(text.c_str(), text.getLength()); }
 
 inline SbString toSbString(QString const& text) {
   QByteArray const bytes = text.toUtf8();

@@ -3,8 +3,8 @@
 class SoIdleSensor;
 class SoSensor;
 
-/// Keeps the toolkit's delay queue busy while the inspector is attached to a host: one idle sensor that always
-/// schedules itself again.
+/// Keeps the toolkit's delay queue busy while the inspector is attached to a host: one idle sensor that
+/// always schedules itself again.
 class SoVantleIdleManager {
  public:
   SoVantleIdleManager();

@@ -42,7 +42,8 @@ namespace {
 
 SbString const DEFAULT_CONFIGURATION_FILE("$KSVHOME/data/Vantle/VntConfiguration.xml");
 
-// Optional modules of the toolkit, brought in in this order and out in the reverse one; a missing one is no fault.
+// Optional modules of the toolkit, brought in in this order and out in the reverse one; a missing one is no
+// fault.
 constexpr char const* EXTENSION_MODULES[] = {"foreign_formats", "plotwise", "ray_picking"};
 
 // The application that the session makes for a host refers to these as long as it lives.
@@ -59,7 +60,7 @@ struct ErrorHandler {
   SoErrorCB* callback;
   void* data;
 };
-std::unique_ptr<ErrorHandler> formerErrorHandler;  // set while ours is installed
+std::unique_ptr<ErrorHandler> formerErrorHandler; // set while ours is installed
 bool modulesInitialised = false;
 
 /// The render area that shows a scene manager: it refers to the manager by a field, and so is its auditor.
@@ -100,7 +101,8 @@ bool SoVantleImpl::hasQtApplication() {
   SbString folder = SbFileHelper::getDirName(
       SoDynamicLibManager::getLibraryFromSymbol(reinterpret_cast<void const*>(&SoKestravaBase::init)));
   folder = SbFileHelper::toUnixPath(folder + "qtplugins/");
-  if (SbFileHelper::isAccessible(folder)) QCoreApplication::addLibraryPath(QString::fromStdString(folder.str()));
+  if (SbFileHelper::isAccessible(folder))
+    QCoreApplication::addLibraryPath(QString::fromStdString(folder.str()));
   return false;
 }
 
@@ -147,7 +149,7 @@ void SoVantleImpl::startStandalone(int& argc, char** argv) {
   services->setIsStandaloneApplication(true);
   services->setRenderArea(nullptr);
   services->setSceneManager(nullptr);
-  SoLibVantle::instance();  // there is a loader in standalone use, too
+  SoLibVantle::instance(); // there is a loader in standalone use, too
   QList<QString> const arguments = QCoreApplication::arguments();
   init(&arguments, nullptr);
   if (!SoPreferences::getBool("KSV_DISABLE_MAINLOOP", false)) {
@@ -231,7 +233,7 @@ void SoVantleImpl::finish() {
     if (services->getSceneManager()) services->getSceneManager()->getImpl()->setOwnVantle(0);
   }
   bool isFile;
-  configurationFile(isFile);  // without use, but a host may rely on its reads of the preferences
+  configurationFile(isFile); // without use, but a host may rely on its reads of the preferences
   VntPluginsManager::releaseInstance();
   VntServicesImpl::releaseInstance();
   SoVantleViewer::releaseInstance();

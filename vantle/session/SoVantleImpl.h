@@ -51,5 +51,5 @@ class SoVantleImpl {
   static bool m_isRunning;
   static bool m_needFinish;
   static bool m_noQApp;
-  static bool m_didModulesinit;  // declared by the interface, without use
+  static bool m_didModulesinit; // declared by the interface, without use
 };

@@ -6,11 +6,11 @@ namespace {
 
 // Editors are matched to field types by these names, in this order.
 constexpr char const* EDITORS[] = {
-    "MFColor",  "MField",   "MFFloat",  "MFInt32",  "MFMatrix",   "MFPlane",  "MFRotation", "MFShort",
-    "MFString", "MFUInt32", "MFUShort", "MFVec2f",  "MFVec2i32",  "MFVec2s",  "MFVec3f",    "MFVec4f",
-    "SFBitMask", "SFBool",  "SFBox2f",  "SFBox3s",  "SFColor",    "SFEnum",   "SFFloat",    "SFImage",
-    "SFInt32",  "SField",   "SFMatrix", "SFName",   "SFPlane",    "SFRotation", "SFShort",  "SFString",
-    "SFUInt32", "SFUShort", "SFVec2f",  "SFVec2i32", "SFVec2s",   "SFVec3f",  "SFVec4f"};
+    "MFColor",   "MField",   "MFFloat",  "MFInt32",   "MFMatrix",  "MFPlane",    "MFRotation", "MFShort",
+    "MFString",  "MFUInt32", "MFUShort", "MFVec2f",   "MFVec2i32", "MFVec2s",    "MFVec3f",    "MFVec4f",
+    "SFBitMask", "SFBool",   "SFBox2f",  "SFBox3s",   "SFColor",   "SFEnum",     "SFFloat",    "SFImage",
+    "SFInt32",   "SField",   "SFMatrix", "SFName",    "SFPlane",   "SFRotation", "SFShort",    "SFString",
+    "SFUInt32",  "SFUShort", "SFVec2f",  "SFVec2i32", "SFVec2s",   "SFVec3f",    "SFVec4f"};
 
 } // namespace
 

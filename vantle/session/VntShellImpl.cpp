@@ -95,10 +95,13 @@ void VntShellImpl::s_viewChanged(bool on) {
 
 void VntShellImpl::registerPreferencePanel(VntExtension* extension, QWidget* page, char const* initSlot,
                                            char const* setSlot) {
-  if (!m_preferencePanels.contains(extension)) m_preferencePanels.insert(extension, {page, initSlot, setSlot});
+  if (!m_preferencePanels.contains(extension))
+    m_preferencePanels.insert(extension, {page, initSlot, setSlot});
 }
 
-void VntShellImpl::unregisterPreferencePanel(VntExtension* extension) { m_preferencePanels.remove(extension); }
+void VntShellImpl::unregisterPreferencePanel(VntExtension* extension) {
+  m_preferencePanels.remove(extension);
+}
 
 void VntShellImpl::clearStatusBarMessage() { m_mainFrame->statusBar()->clearMessage(); }
 
@@ -116,7 +119,9 @@ void VntShellImpl::showStatusBarMessage(SbString const& text, int timeout) {
   m_mainFrame->statusBar()->showMessage(QString::fromLatin1(text.c_str(), text.getLength()), timeout);
 }
 
-void VntShellImpl::unregiterStatusBarWidget(QWidget* widget) { m_mainFrame->statusBar()->removeWidget(widget); }
+void VntShellImpl::unregiterStatusBarWidget(QWidget* widget) {
+  m_mainFrame->statusBar()->removeWidget(widget);
+}
 
 void VntShellImpl::registerToolBar(QToolBar* bar, Qt::ToolBarArea area) {
   bar->setParent(m_mainFrame.get());

@@ -21,8 +21,8 @@ class VntShellImpl : public VntShell {
     char const* setSlot = nullptr;
   };
 
-  /// `nativeWindow`: the window that the main frame is created over, 0 for an ordinary one. A second call is a
-  /// program fault and is posted.
+  /// `nativeWindow`: the window that the main frame is created over, 0 for an ordinary one. A second call is
+  /// a program fault and is posted.
   static void createInstance(unsigned long long nativeWindow);
   /// Created on first use; the handle of later calls is ignored.
   static VntShellImpl* getImplInstance(unsigned long long nativeWindow = 0);

@@ -7,7 +7,9 @@
 extern "C" {
 
 VANTLE_API void _startNode(SoNode* root, void* window) { SoVantleImpl::start(root, window); }
-VANTLE_API void _startSceneManager(SoSceneManager* manager, void* window) { SoVantleImpl::start(manager, window); }
+VANTLE_API void _startSceneManager(SoSceneManager* manager, void* window) {
+  SoVantleImpl::start(manager, window);
+}
 VANTLE_API void _startRenderArea(SoGuiRenderArea* area) { SoVantleImpl::start(area); }
 
 VANTLE_API void _startStandalone(int argc, char** argv) {

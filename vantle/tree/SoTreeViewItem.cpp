@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QIcon>
 #include <QPixmap>
+#include <cstdlib>
 #include <vector>
 
 #include "kestrava/kits/SoBaseKit.h"
@@ -26,6 +27,8 @@ SoTreeViewItemPrivate::SoBaseKitItemPrivate::SoBaseKitItemPrivate(SoBaseKit* kit
   static SbName const topSeparator("topSeparator");
   partType = partName == topSeparator ? 2 : 1;
   partNumber = kit->getNodekitCatalog().getPartNumber(partName);
+  std::size_t const bracket = partName.str().find('[');
+  if (bracket != std::string::npos) listEntry = std::atoi(partName.c_str() + bracket + 1);
 }
 
 namespace {
@@ -201,9 +204,19 @@ void SoTreeViewItem::setData(int column, int role, QVariant const& value) {
 
 int SoTreeViewItem::getRefCount() const { return m_node->getRefCount(); }
 
-SbName SoTreeViewItem::getNodeName() const {
-  KitItem const* const item = kitItem();
-  return item && !item->partName.empty() ? item->partName : m_node->getName();
+SbName SoTreeViewItem::getNodeName() const { return baseKitPart() ? partName() : m_node->getName(); }
+
+SbName SoTreeViewItem::partName() const {
+  if (!baseKitPart()) return SbName();
+  KitItem* const item = kitItem();
+  // Entries of a list are counted anew when others come and go.
+  int const index = item->listEntry < 0 ? -1 : getSceneIndex();
+  if (index >= 0 && index != item->listEntry) {
+    std::string const& old = item->partName.str();
+    item->partName = SbName(old.substr(0, old.find('[') + 1) + std::to_string(index) + old.substr(old.find(']')));
+    item->listEntry = index;
+  }
+  return item->partName;
 }
 
 SoNode* SoTreeViewItem::getParentNode() const {

@@ -23,6 +23,7 @@ struct SoTreeViewItemPrivate {
     int partType = 0;     ///< 0 no part, 2 "topSeparator", 1 any other part
     int partNumber = -1;  ///< in the kit's catalog
     bool isPart = false;
+    int listEntry = -1;  ///< for an entry of a list: the index that the name holds
   };
   std::unique_ptr<SoBaseKitItemPrivate> kitItem;  ///< null outside of kits
 };
@@ -62,7 +63,7 @@ class SoTreeViewItem : public QTreeWidgetItem {
   virtual bool baseKitPart() const { return kitItem() && kitItem()->isPart; }
   virtual int partNumber() const { return baseKitPart() ? kitItem()->partNumber : -1; }
   virtual SbName getParentPartName() const;
-  virtual SbName partName() const { return baseKitPart() ? kitItem()->partName : SbName(); }
+  virtual SbName partName() const;
   virtual bool isPartPublic() const;
   virtual SoBaseKit* getBaseKit() const { return kitItem() ? kitItem()->baseKit : nullptr; }
   /// The arrow in column 3; never shown for a node that is referenced once.

@@ -24,7 +24,7 @@ SoVantleViewer* SoVantleViewer::m_instance = nullptr;
 namespace {
 
 constexpr char SETTINGS[] = "/VantleViewer/VantleMainFrame";
-constexpr int NO_SIZE = 32767;  // stored for a window that was maximised
+constexpr int NO_SIZE = 32767; // stored for a window that was maximised
 
 QString key(char const* name) { return QLatin1String(SETTINGS) + QLatin1String(name); }
 QString fileKey(int number) { return key("/File") + QString::number(number); }
@@ -38,7 +38,8 @@ bool isOnScreen(QRect const& window) {
 }
 
 bool isHostLaunched() {
-  return SoPreferences::getBool("KSRU_LAUNCH_VANTLE", false) || SoPreferences::getBool("PLX_LAUNCH_VANTLE", false);
+  return SoPreferences::getBool("KSRU_LAUNCH_VANTLE", false) ||
+         SoPreferences::getBool("PLX_LAUNCH_VANTLE", false);
 }
 
 } // namespace
@@ -54,7 +55,7 @@ void SoVantleViewer::releaseInstance() {
 }
 
 SoVantleViewer::SoVantleViewer() {
-  m_instance = this;  // the panels made here ask for it
+  m_instance = this; // the panels made here ask for it
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   SoVantleMainFrame* const frame = mainFrame();
   if (services->isStandaloneApplication()) makeExaminer();
@@ -98,7 +99,9 @@ SoVantleViewer::~SoVantleViewer() {
   m_examiner.reset();
 }
 
-SoVantleMainFrame* SoVantleViewer::mainFrame() const { return VntShellImpl::getImplInstance()->getMainFrame(); }
+SoVantleMainFrame* SoVantleViewer::mainFrame() const {
+  return VntShellImpl::getImplInstance()->getMainFrame();
+}
 
 QDockWidget* SoVantleViewer::makeDock(char const* name, QString const& title, Qt::DockWidgetArea area) {
   auto* dock = new QDockWidget(title, mainFrame());
@@ -160,7 +163,8 @@ void SoVantleViewer::initViewer() {
                    SoVantleConfig::readNumEntry(key("/WindowHeight"), NO_SIZE));
   QPoint const position(SoVantleConfig::readNumEntry(key("/WindowX"), 0),
                         SoVantleConfig::readNumEntry(key("/WindowY"), 0));
-  QByteArray const layout = QByteArray::fromBase64(SoVantleConfig::readEntry(key("/MainWindowLayout")).toLatin1());
+  QByteArray const layout =
+      QByteArray::fromBase64(SoVantleConfig::readEntry(key("/MainWindowLayout")).toLatin1());
   bool const hasSize = size.width() != NO_SIZE && size.height() != NO_SIZE;
   // The screen that the window stood on may be gone.
   if (isOnScreen(QRect(position, hasSize ? size : QSize(800, 600)))) frame->move(position);

@@ -92,13 +92,13 @@ class SoVantleViewer : public QObject {
   SoRef<SoNode> m_scene;
   SoRef<SoSelection> m_selection;
   QString m_fileName;
-  QList<QString> m_recentFiles;  // latest first
+  QList<QString> m_recentFiles; // latest first
   std::unique_ptr<QString> m_readError;
   int m_mode = 0;
   bool m_highlightOff = false;
   std::unique_ptr<SoQtExaminerViewer> m_examiner;
-  SoVantleTreeView* m_treeView = nullptr;  // its dock's, or the main frame's
-  QDockWidget* m_treeDock = nullptr;       // null when attached
+  SoVantleTreeView* m_treeView = nullptr; // its dock's, or the main frame's
+  QDockWidget* m_treeDock = nullptr;      // null when attached
   QDockWidget* m_overviewDock = nullptr;
   QDockWidget* m_watchDock = nullptr;
   std::unique_ptr<SoVantleEdition> m_edition;

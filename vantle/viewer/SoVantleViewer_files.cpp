@@ -83,7 +83,7 @@ void SoVantleViewer::fileLoad(QString const& name) {
     in.openFile(toSbString(name).c_str(), false, !QFile::exists(name));
     fileLoad(in);
   }
-  displayReadError();  // the file could not even be opened
+  displayReadError(); // the file could not even be opened
 }
 
 void SoVantleViewer::fileLoad(SoInput& in) {
@@ -149,14 +149,14 @@ QString SoVantleViewer::saveQuestion() const {
 
 bool SoVantleViewer::okToClear() {
   if (!commands()->isChanged()) return true;
-  QMessageBox box(QMessageBox::Information, tr("Vantle -- Unsaved Changes"), saveQuestion(), QMessageBox::NoButton,
-                  mainFrame());
+  QMessageBox box(QMessageBox::Information, tr("Vantle -- Unsaved Changes"), saveQuestion(),
+                  QMessageBox::NoButton, mainFrame());
   // Roles would let the desktop put the buttons in an order of its own.
   QPushButton* const yes = box.addButton(tr("Yes"), QMessageBox::ActionRole);
   QPushButton* const no = box.addButton(tr("No"), QMessageBox::ActionRole);
   QPushButton* const cancel = box.addButton(tr("Cancel"), QMessageBox::ActionRole);
   box.setDefaultButton(yes);
-  box.setEscapeButton(no);  // Escape discards, on purpose
+  box.setEscapeButton(no); // Escape discards, on purpose
   box.exec();
   if (box.clickedButton() == yes) fileSave();
   return box.clickedButton() != cancel;
@@ -236,7 +236,8 @@ void SoVantleViewer::detectExternalScenes(SoNode* node) {
   search.apply(node);
   for (SoPath* path : search.getPaths()) {
     auto const* const file = static_cast<SoFile const*>(path->getTail());
-    if (!file->name.getValue().empty() && file->getFullName().empty()) missing << toQString(file->name.getValue());
+    if (!file->name.getValue().empty() && file->getFullName().empty())
+      missing << toQString(file->name.getValue());
   }
   if (!missing.isEmpty()) {
     missing.removeDuplicates();
