@@ -80,6 +80,11 @@ void SoQtExaminerViewer::setSceneGraph(SoNode* root) {
   action->prepare(root);
   SoCamera* const inScene = action->getDrawList().getCamera();
   if (!inScene) {
+    // From a little to the right and above: more of a scene is seen than from straight in front.
+    SoRef<SoCamera> const fresh(new SoPerspectiveCamera);
+    fresh->position = SbVec3f(0.55f, 0.45f, 1);
+    fresh->pointAt(SbVec3f(0, 0, 0));
+    setCamera(fresh);
     viewAll();
     saveHomePosition();
     return;

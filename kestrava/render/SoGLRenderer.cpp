@@ -39,7 +39,8 @@ SurroundingsBlock blockOf(SoDrawSurroundings const& surroundings, SbMatrix const
   SurroundingsBlock block{};
   int numLights = 0;
   if (headlight) {
-    store(block.lights[numLights].direction, SbVec3f(0, 0, -1));
+    // From above the viewer's left shoulder: straight from the eye, boxes seen head-on would have no edges.
+    store(block.lights[numLights].direction, SbVec3f(0.3f, -0.4f, -1).normalized());
     store(block.lights[numLights++].color, SbVec3f(1, 1, 1));
   }
   for (auto const& light : surroundings.lights) {

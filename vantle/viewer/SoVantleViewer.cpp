@@ -135,7 +135,8 @@ void SoVantleViewer::setScene(SoNode* root, bool clear) {
   if (root) m_selection->addChild(root);
   m_treeView->setScene(root);
   if (clear) VntServicesImpl::getImplInstance()->getCommandManager()->clearUndoCommands();
-  if (m_examiner) m_examiner->viewAll();
+  // Looks through the new scene's own camera, or shows all of it.
+  if (m_examiner) m_examiner->setSceneGraph(m_selection);
 }
 
 void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s position) {
@@ -193,9 +194,9 @@ void SoVantleViewer::applyDefaultLayout() {
   SoVantleMainFrame* const frame = mainFrame();
   int const width = frame->width();
   if (m_treeDock) {
-    frame->resizeDocks({m_treeDock, m_overviewDock}, {width * 33 / 100, width * 33 / 100}, Qt::Horizontal);
+    frame->resizeDocks({m_treeDock, m_overviewDock}, {width * 27 / 100, width * 29 / 100}, Qt::Horizontal);
   } else {
     frame->resizeDocks({m_overviewDock}, {width * 50 / 100}, Qt::Horizontal);
   }
-  frame->resizeDocks({m_watchDock}, {frame->height() * 20 / 100}, Qt::Vertical);
+  frame->resizeDocks({m_watchDock}, {frame->height() * 16 / 100}, Qt::Vertical);
 }
