@@ -110,7 +110,7 @@ class GLCanvas : public SoQtCanvas {
   QWidget* getWidget() const override { return m_widget; }
 
  private:
-  QPointer<GLWidget> m_widget;
+  QPointer<QWidget> m_widget;
 };
 
 class ImageWidget : public QWidget {
@@ -149,7 +149,7 @@ class ImageWidget : public QWidget {
 
 class ImageCanvas : public SoQtCanvas {
  public:
-  explicit ImageCanvas(ImageWidget* widget) : m_widget(widget) {
+  explicit ImageCanvas(ImageWidget* widget) : m_widget(widget), m_imageWidget(widget) {
     m_still.setSingleShot(true);
     m_still.setInterval(300);
     QObject::connect(&m_still, &QTimer::timeout, widget, [widget] {
@@ -162,14 +162,15 @@ class ImageCanvas : public SoQtCanvas {
   void setMoving(bool on) override {
     if (on) {
       m_still.stop();
-      m_widget->setNumSamples(0);
+      if (m_widget) m_imageWidget->setNumSamples(0);
     } else {
       m_still.start();
     }
   }
 
  private:
-  QPointer<ImageWidget> m_widget;
+  QPointer<QWidget> m_widget;   // asked while it is being destroyed, too
+  ImageWidget* m_imageWidget;  // the same
   QTimer m_still;
 };
 

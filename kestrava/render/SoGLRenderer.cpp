@@ -395,9 +395,8 @@ bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group) {
 
 void SoGLRenderer::drawRuns(SoGLPage const& page, std::vector<SoGLPage::Range> const& runs) {
   ++m_statistics.drawCalls;
-  if (!m_drawing) return;
   page.bind();
-  page.draw(runs);
+  if (m_drawing) page.draw(runs);
 }
 
 void SoGLRenderer::drawLayer(SoDrawList const& list, SoDrawLook::Layer layer) {

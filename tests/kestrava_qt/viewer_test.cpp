@@ -16,6 +16,7 @@
 #include "kestrava/io/SoInput.h"
 #include "kestrava/nodes/SoCube.h"
 #include "kestrava/nodes/SoOrthographicCamera.h"
+#include "kestrava/nodes/SoPerspectiveCamera.h"
 #include "kestrava/sensors/SoIdleSensor.h"
 #include "kestrava/sensors/SoSensorManager.h"
 #include "kestrava_qt/SoQt.h"
@@ -80,6 +81,13 @@ class Viewer : public testing::TestWithParam<bool> {
     m_viewer->setSceneGraph(SoDB::readAll(&in));
     ASSERT_TRUE(m_viewer->getSceneGraph());
   }
+  /// The same seen from straight in front, so that directions on the screen are those of the scene.
+  void showFromFront(char const* scene) {
+    show(scene);
+    m_viewer->setCamera(new SoPerspectiveCamera);
+    m_viewer->viewAll();
+    m_viewer->saveHomePosition();
+  }
   QWidget* view() { return m_viewer->getViewWidget(); }
   Extent extent() { return extentOf(view()->grab().toImage()); }
   void drag(Qt::MouseButton button, QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
@@ -131,7 +139,7 @@ TEST_P(Viewer, EmptyScenesAndNoneAreShown) {
 }
 
 TEST_P(Viewer, LeftDragTurnsAboutTheMiddle) {
-  show("Separator { ShapeHints { vertexOrdering COUNTERCLOCKWISE } Material { diffuseColor 1 1 1 } Cube { depth 0.2 } }");
+  showFromFront("Separator { ShapeHints { vertexOrdering COUNTERCLOCKWISE } Material { diffuseColor 1 1 1 } Cube { depth 0.2 } }");
   Extent const before = extent();
   SbVec3f const eye = m_viewer->getCamera()->position.getValue();
   drag(Qt::LeftButton, middle(), middle() + QPoint(60, 0));
@@ -150,12 +158,12 @@ TEST_P(Viewer, LeftDragTurnsAboutTheMiddle) {
 }
 
 TEST_P(Viewer, DragsMoveAndWheelEnlargesAtThePointer) {
-  show(BALL);
+  showFromFront(BALL);
   QPoint const start = extent().box.center();
   drag(Qt::MiddleButton, middle(), middle() + QPoint(40, -30));
-  EXPECT_LT((extent().box.center() - start - QPoint(40, -30)).manhattanLength(), 5);
+  EXPECT_LT((extent().box.center() - start - QPoint(40, -30)).manhattanLength(), 8);
   drag(Qt::LeftButton, middle(), middle() - QPoint(40, -30), Qt::ShiftModifier);
-  EXPECT_LT((extent().box.center() - start).manhattanLength(), 5);
+  EXPECT_LT((extent().box.center() - start).manhattanLength(), 8);
 
   Extent const before = extent();
   // What lies at the left end of the ball stays there.
@@ -169,11 +177,11 @@ TEST_P(Viewer, DragsMoveAndWheelEnlargesAtThePointer) {
   drag(Qt::RightButton, middle(), middle() + QPoint(0, -60));
   EXPECT_GT(extent().box.width(), after.box.width() * 1.2);
   QTest::keyClick(m_viewer->getWidget(), Qt::Key_V);
-  EXPECT_LT((extent().box.center() - start).manhattanLength(), 5);
+  EXPECT_LT((extent().box.center() - start).manhattanLength(), 8);
 }
 
 TEST_P(Viewer, ProjectionsShowTheSameSize) {
-  show(BALL);
+  showFromFront(BALL);
   Extent const before = extent();
   QTest::keyClick(m_viewer->getWidget(), Qt::Key_P);
   EXPECT_TRUE(m_viewer->getCamera()->isOfType(SoOrthographicCamera::getClassTypeId()));
@@ -213,7 +221,7 @@ TEST_P(Viewer, EscapeLetsClicksPick) {
 }
 
 TEST_P(Viewer, SeekGoesToThePointThatIsClicked) {
-  show("Separator { Material { diffuseColor 1 1 1 } Translation { translation -2 0 0 } Cube {} "
+  showFromFront("Separator { Material { diffuseColor 1 1 1 } Translation { translation -2 0 0 } Cube {} "
        "Translation { translation 4 0 0 } Material { diffuseColor 1 0 0 } Cube {} }");
   Extent const before = extent();
   QTest::keyClick(m_viewer->getWidget(), Qt::Key_S);

@@ -5,6 +5,8 @@
 namespace {
 
 std::string const RED = "Material { diffuseColor 1 0 0 } ";
+/// Stands in front of everything else, so that colours are lit fully.
+std::string const LIT = "DirectionalLight { direction 0 0 -1 } ";
 std::string const TURNED = "RotationXYZ { axis Y angle 3.14159265 } ";
 
 /// A quarter each: red and green below, blue and white above.
@@ -15,11 +17,13 @@ std::string texture(std::string const& fields = "") {
 }  // namespace
 
 TEST(Surface, LitCubeStandsInTheMiddle) {
-  Picture const picture("Separator { " + RED + "Cube {} }");
+  Picture const picture("Separator { " + LIT + RED + "Cube {} }");
   EXPECT_TRUE(picture.shows(0, 0, 255, 10, 10));
   EXPECT_TRUE(picture.shows(0.9f, -0.9f, 255, 10, 10));
   EXPECT_TRUE(picture.shows(1.2f, 0, 0, 0, 0));
   EXPECT_TRUE(picture.shows(-1.9f, 1.9f, 0, 0, 0));
+  // Where there is no light, one goes with the camera.
+  EXPECT_GT(Picture("Separator { " + RED + "Cube {} }").brightness(0, 0), 200);
 }
 
 TEST(Surface, BackSidesAreDrawnAndLitUnlessSolid) {
@@ -36,15 +40,15 @@ TEST(Surface, BackSidesAreDrawnAndLitUnlessSolid) {
   for (auto const& c : cases) {
     SCOPED_TRACE(c.hints);
     std::string const shape = std::string(c.hints) + RED + square(1);
-    EXPECT_TRUE(Picture("Separator { " + shape + "}").shows(0, 0, c.front ? 255 : 0, c.front ? 10 : 0, c.front ? 10 : 0));
-    Picture const back("Separator { " + TURNED + shape + "}");
+    EXPECT_TRUE(Picture("Separator { " + LIT + shape + "}").shows(0, 0, c.front ? 255 : 0, c.front ? 10 : 0, c.front ? 10 : 0));
+    Picture const back("Separator { " + LIT + TURNED + shape + "}");
     EXPECT_TRUE(back.shows(0, 0, c.back ? 255 : 0, c.back ? 10 : 0, c.back ? 10 : 0));
   }
 }
 
 TEST(Surface, MirroredSolidKeepsItsOutside) {
   Picture const picture(
-      "Separator { ShapeHints { vertexOrdering COUNTERCLOCKWISE shapeType SOLID } Scale { scaleFactor -1 1 1 } " + RED +
+      "Separator { " + LIT + "ShapeHints { vertexOrdering COUNTERCLOCKWISE shapeType SOLID } Scale { scaleFactor -1 1 1 } " + RED +
       "Cube {} }");
   EXPECT_TRUE(picture.shows(0, 0, 255, 10, 10));
 }

@@ -33,10 +33,9 @@ char const sceneText[] = R"(Separator {
 })";
 
 void click(SoVantleTreeView* tree, SoTreeViewItem* row, int column) {
-  tree->scrollToItem(row);
-  QRect const line = tree->visualItemRect(row);
-  int const x = tree->columnViewportPosition(column) + tree->columnWidth(column) / 2;
-  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, QPoint(x, line.center().y()));
+  QModelIndex const cell = tree->indexFromItem(row, column);
+  tree->scrollTo(cell);
+  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(cell).center());
 }
 
 TEST_F(TreeTest, ASceneOnTheScreen) {
@@ -314,12 +313,12 @@ TEST_F(TreeTest, Keys) {
 }
 
 TEST_F(TreeTest, AGraphOf30000Levels) {
-  SoRef<SoSeparator> const scene(new SoSeparator);
-  SoGroup* group = scene;
+  auto* const group = new SoSeparator;
+  SoRef<SoSeparator> scene(group);
   for (int i = 0; i < 30000; ++i) {
-    auto* below = new SoSeparator;
-    group->addChild(below);
-    group = below;
+    auto* above = new SoSeparator;
+    above->addChild(scene);
+    scene = SoRef<SoSeparator>(above);
   }
   WatchedTree tree(scene);
   tree.view.show();

@@ -45,10 +45,10 @@ TEST_F(WindowTest, TheDefaultLayoutFitsSmallAndLargeWindows) {
     ASSERT_TRUE(waitFor([&] { return frame()->size() == size; }))
         << "the contents ask for more than the window has";
     QWidget const* const view = frame()->centralWidget();
-    EXPECT_TRUE(waitFor([&] { return std::abs(dock("dockMainWin")->width() - size.width() / 3) < 60; }))
+    EXPECT_TRUE(waitFor([&] { return std::abs(dock("dockMainWin")->width() - size.width() * 27 / 100) < 60; }))
         << dock("dockMainWin")->width() << " of " << size.width();
     EXPECT_LT(dock("dockNodeOverview")->width(), size.width() / 2);
-    EXPECT_GT(view->width(), size.width() / 8);
+    EXPECT_GT(view->width(), size.width() / 6);
     EXPECT_GT(view->height(), size.height() / 3);
   }
 }

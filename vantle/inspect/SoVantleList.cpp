@@ -242,10 +242,10 @@ void SoVantleList::showCatalogPart(bool on) {
 
 void SoVantleList::setColumnWidth(int column, int width) {
   if (column < 0 || column >= columnCount()) return;
-  // A last column that has been given a width keeps it.
-  if (column == columnCount() - 1) header()->setStretchLastSection(false);
   int const before = columnWidth(column);
   m_settingWidth = true;
+  // A last column that has been given a width keeps it.
+  if (column == columnCount() - 1) header()->setStretchLastSection(false);
   QTreeWidget::setColumnWidth(column, width);
   m_settingWidth = false;
   if (columnWidth(column) != before) Q_EMIT columnWidthChanged(column, columnWidth(column));

@@ -39,6 +39,9 @@ QTreeView::branch:has-children:open { border-image: none; image: url(:/Vantle_ic
 /// Names may be as long as a line of text; the column shows their beginning.
 constexpr int MAX_NAME_WIDTH = 400;
 
+/// Of deeper rows the innermost levels are drawn: more than fit in a view.
+constexpr int MAX_DRAWN_LEVELS = 100;
+
 }  // namespace
 
 SoVantleTreeView::SoVantleTreeView(QWidget* parent, char const* name)
@@ -160,6 +163,25 @@ void SoVantleTreeView::scrollTo(QModelIndex const& index, ScrollHint hint) {
   for (QModelIndex up = index; up.isValid(); up = up.parent()) above.push_back(up);
   if (above.size() > std::size_t{MAX_OPEN_DEPTH}) shown = above[above.size() - MAX_OPEN_DEPTH];
   QTreeWidget::scrollTo(shown, hint);
+}
+
+void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModelIndex const& index) const {
+  int depth = 0;
+  for (QModelIndex up = index.parent(); up.isValid() && depth <= MAX_DRAWN_LEVELS; up = up.parent()) ++depth;
+  if (depth <= MAX_DRAWN_LEVELS) return QTreeWidget::drawBranches(painter, rect, index);
+  // The base class draws every level, those far to the left of the view too.
+  QStyleOptionViewItem option;
+  initViewItemOption(&option);
+  option.rect = QRect(rect.right() + 1 - indentation(), rect.top(), indentation(), rect.height());
+  QModelIndex level = index;
+  for (int i = 0; i < MAX_DRAWN_LEVELS; ++i, level = level.parent()) {
+    option.state = level.sibling(level.row() + 1, 0).isValid() ? QStyle::State_Sibling : QStyle::State_None;
+    if (i == 0) option.state |= QStyle::State_Item;
+    if (i == 0 && model()->hasChildren(index)) option.state |= QStyle::State_Children;
+    if (i == 0 && isExpanded(index)) option.state |= QStyle::State_Open;
+    style()->drawPrimitive(QStyle::PE_IndicatorBranch, &option, painter, this);
+    option.rect.translate(-indentation(), 0);
+  }
 }
 
 void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {

@@ -148,6 +148,7 @@ class SoVantleTreeView : public QTreeWidget {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void drawBranches(QPainter* painter, QRect const& rect, QModelIndex const& index) const override;
 
  private:
   friend class SoTreeViewItem;
