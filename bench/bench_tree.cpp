@@ -99,7 +99,7 @@ double allocatedBytes() {
   return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-constexpr int LEAVES = 100'000;
+constexpr int LEAVES = 330000;
 
 }  // namespace
 

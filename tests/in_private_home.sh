@@ -15,9 +15,10 @@ export LIBGL_ALWAYS_SOFTWARE=1 LC_ALL=C.UTF-8 TZ=UTC
 export QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-xcb}" QT_QPA_PLATFORMTHEME= QT_LOGGING_TO_CONSOLE=1
 export UBSAN_OPTIONS="print_stacktrace=1${UBSAN_OPTIONS:+:$UBSAN_OPTIONS}"
 case $(basename "$1") in
-  # Drivers, fonts and widget styles keep memory until the process ends; only the toolkit alone is held to account.
-  tests_kestrava) leaks=1 ;;
+  # Fonts and widget styles keep memory until the process ends; only the toolkit alone is held to account.
+  tests_kestrava | tests_render) leaks=1 ;;
   *) leaks=0 ;;
 esac
+export LSAN_OPTIONS="suppressions=$(dirname "$0")/lsan.supp:print_suppressions=0${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
 export ASAN_OPTIONS="detect_leaks=$leaks${ASAN_OPTIONS:+:$ASAN_OPTIONS}"
 "$@"

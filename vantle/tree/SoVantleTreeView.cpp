@@ -130,6 +130,7 @@ void SoVantleTreeView::showItem(SoTreeViewItem* item) {
   ensureItemOpen(item);
   setCurrentItem(item);
   scrollToItem(item);
+  resizeAllColumns();  // what is in sight now may be wider
 }
 
 void SoVantleTreeView::expandAll(QTreeWidgetItem* item) {
@@ -157,12 +158,26 @@ void SoVantleTreeView::expandAll(QTreeWidgetItem* item) {
 }
 
 void SoVantleTreeView::scrollTo(QModelIndex const& index, ScrollHint hint) {
-  // The base class opens everything above the row.
-  QModelIndex shown = index;
   std::vector<QModelIndex> above;
-  for (QModelIndex up = index; up.isValid(); up = up.parent()) above.push_back(up);
-  if (above.size() > std::size_t{MAX_OPEN_DEPTH}) shown = above[above.size() - MAX_OPEN_DEPTH];
+  for (QModelIndex up = index.parent(); up.isValid(); up = up.parent()) above.push_back(up);
+  // Of a row that is too deep the deepest one above it that may be open.
+  bool const tooDeep = above.size() > std::size_t{MAX_OPEN_DEPTH};
+  QModelIndex const shown = tooDeep ? above[above.size() - MAX_OPEN_DEPTH] : index;
+  if (tooDeep) above.erase(above.begin(), above.end() - MAX_OPEN_DEPTH + 1);
+  // The base class would open them one by one, with a layout for each.
+  openAll(above);
   QTreeWidget::scrollTo(shown, hint);
+}
+
+/// Opens rows that are given from the innermost outwards.
+void SoVantleTreeView::openAll(std::vector<QModelIndex> const& rows) {
+  if (std::all_of(rows.begin(), rows.end(), [this](QModelIndex const& row) { return isExpanded(row); })) return;
+  m_batch = true;
+  // With a layout due anyway, expanding a row only notes it.
+  scheduleDelayedItemsLayout();
+  for (std::size_t i = rows.size(); i-- > 0;) expand(rows[i]);
+  m_batch = false;
+  resizeAllColumns();
 }
 
 void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModelIndex const& index) const {
@@ -185,17 +200,9 @@ void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModel
 }
 
 void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {
-  if (!item) return;
-  std::vector<QTreeWidgetItem*> closed;
-  for (QTreeWidgetItem* above = item->parent(); above; above = above->parent()) {
-    if (!above->isExpanded()) closed.push_back(above);
-  }
-  if (closed.empty() || closed.size() > std::size_t{MAX_OPEN_DEPTH}) return;
-  m_batch = true;
-  scheduleDelayedItemsLayout();
-  for (std::size_t i = closed.size(); i-- > 0;) expandItem(closed[i]);
-  m_batch = false;
-  resizeAllColumns();
+  std::vector<QModelIndex> above;
+  for (QTreeWidgetItem* up = item ? item->parent() : nullptr; up; up = up->parent()) above.push_back(indexFromItem(up));
+  if (above.size() <= std::size_t{MAX_OPEN_DEPTH}) openAll(above);
 }
 
 void SoVantleTreeView::resizeAllColumns() {

@@ -170,6 +170,7 @@ class SoVantleTreeView : public QTreeWidget {
   int childPosition(SoTreeViewItem* row, SoNode* tail) const;
   SoTreeViewItem* followPath(SoPath const* path, int position, SoNode*& missing, int& index) const;
   void showReference(SoTreeViewItem* item);
+  void openAll(std::vector<QModelIndex> const& rows);
   void showInOverview(SoTreeViewItem* item);
   static bool isAutoHighlight();
   /// A row becomes current because of a pick in the 3D view.
