@@ -99,9 +99,9 @@ double allocatedBytes() {
   return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-constexpr int LEAVES = 330000;
+constexpr int LEAVES = 100'000;
 
-}  // namespace
+} // namespace
 
 BENCH(tree_build) {
   makeApplication();
@@ -171,8 +171,9 @@ BENCH(tree_one_child) {
   selection->addChild(scene);
   auto const add = [](SoGroup* group) {
     return bench::fastest([group] {
-      for (int i = 0; i < 100; ++i) group->addChild(new SoCube);
-    }) / 100;
+             for (int i = 0; i < 100; ++i) group->addChild(new SoCube);
+           }) /
+           100;
   };
   bench::report({"", add(wide) * 1e6, "us", add(narrow) * 1e6});
 }

@@ -27,6 +27,7 @@ QSurfaceFormat formatOf(int samples) {
   format.setVersion(3, 3);
   format.setProfile(QSurfaceFormat::CoreProfile);
   format.setDepthBufferSize(24);
+  format.setStencilBufferSize(8);
   format.setSamples(samples);
   return format;
 }

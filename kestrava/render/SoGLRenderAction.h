@@ -39,7 +39,7 @@ class SoGLRenderAction : public SoStateAction {
   /// As of the latest frame.
   SbViewVolume const& getViewVolume() const { return m_frame.volume; }
   SoGLRenderer& getRenderer() { return m_renderer; }
-  void releaseGL() { m_renderer.release(); }
+  virtual void releaseGL() { m_renderer.release(); }
 
  protected:
   /// Draws the whole scene at its root.

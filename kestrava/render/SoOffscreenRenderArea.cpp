@@ -65,13 +65,13 @@ bool SoOffscreenRenderArea::makeFramebuffers() {
     glRenderbufferStorageMultisample(GL_RENDERBUFFER, sampleCount, format, m_size[0], m_size[1]);
   };
   storage(0, GL_RGBA8, samples);
-  storage(1, GL_DEPTH_COMPONENT24, samples);
+  storage(1, GL_DEPTH24_STENCIL8, samples);
   storage(2, GL_RGBA8, 0);
   glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffers[1]);
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_renderbuffers[2]);
   glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffers[0]);
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_renderbuffers[0]);
-  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_renderbuffers[1]);
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, m_renderbuffers[1]);
   if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
     SoDebugError::post("SoOffscreenRenderArea", "no memory for a picture of %d x %d pixels", m_size[0], m_size[1]);
     return false;

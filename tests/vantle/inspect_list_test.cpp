@@ -55,7 +55,9 @@ using ListTest = VantleTest;
 struct Shown {
   Shown() { list.setNode(node); }
   SoFieldItem* row(SoField const& field) const { return list.getListItemFromField(&field); }
-  std::string value(SoField const& field) const { return row(field)->text(SoVantleList::FIELD_VALUE_COLUMN).toStdString(); }
+  std::string value(SoField const& field) const {
+    return row(field)->text(SoVantleList::FIELD_VALUE_COLUMN).toStdString();
+  }
   bool enabled(SoField const& field) const { return row(field)->flags() & Qt::ItemIsEnabled; }
   void update() {
     SoSensorManager::processDelayQueue(true);
@@ -82,7 +84,8 @@ TEST_F(ListTest, RowsAndColumns) {
   EXPECT_TRUE(s.list.isColumnHidden(0));
   QStringList labels;
   for (int i = 0; i < 8; ++i) labels << s.list.headerItem()->text(i);
-  EXPECT_EQ(labels, QStringList({"", "", "", "Node Type", "Node Name", "Field Type", "Field Name", "Field Value"}));
+  EXPECT_EQ(labels,
+            QStringList({"", "", "", "Node Type", "Node Name", "Field Type", "Field Name", "Field Value"}));
   EXPECT_EQ(s.list.headerItem()->toolTip(1), "This field is ignored");
   EXPECT_EQ(s.list.headerItem()->toolTip(2), "This field is connected");
   s.list.resize(500, 400);
@@ -100,10 +103,12 @@ TEST_F(ListTest, Values) {
   SbString own;
   node.numbers.get(own);
   EXPECT_EQ(s.value(node.numbers), own.str()) << "without values: the field's own form";
-  for (SoField const* field : std::initializer_list<SoField const*>{&node.node, &node.nodes, &node.parameters, &node.buffer, &node.readOnly}) {
+  for (SoField const* field : std::initializer_list<SoField const*>{&node.node, &node.nodes, &node.parameters,
+                                                                    &node.buffer, &node.readOnly}) {
     EXPECT_FALSE(s.enabled(*field)) << field->getName().c_str();
   }
-  for (SoField const* field : std::initializer_list<SoField const*>{&node.number, &node.numbers, &node.instances, &node.array, &node.image, &node.exposed}) {
+  for (SoField const* field : std::initializer_list<SoField const*>{
+           &node.number, &node.numbers, &node.instances, &node.array, &node.image, &node.exposed}) {
     EXPECT_TRUE(s.enabled(*field)) << field->getName().c_str();
   }
   EXPECT_EQ(s.value(node.node), "");
@@ -168,7 +173,7 @@ TEST_F(ListTest, ARowOutlivesItsField) {
   SoVantleList other;
   auto* const copy = new SoFieldItem(&other, row);
   other.displayFieldItem(copy);
-  s.node->number.setValue(5);  // waits in the queue when the field goes
+  s.node->number.setValue(5); // waits in the queue when the field goes
   s.list.revert(nullptr);
   other.revert(nullptr);
   s.node = SoRef<SoManyFields>(new SoManyFields);
@@ -266,8 +271,9 @@ TEST_F(ListTest, HeaderMenu) {
   });
   answer.start(5);
   QTest::mouseClick(s.list.header()->viewport(), Qt::RightButton, {}, QPoint(40, 5));
-  EXPECT_EQ(entries.toStdString(), "Ignore+ Connected+ Node Type+ Node Name- Field Type+ Field Name+ Field Value+ ");
+  EXPECT_EQ(entries.toStdString(),
+            "Ignore+ Connected+ Node Type+ Node Name- Field Type+ Field Name+ Field Value+ ");
   EXPECT_EQ(s.list.columnWidth(6), 0) << "the entry that was clicked";
 }
 
-}  // namespace
+} // namespace

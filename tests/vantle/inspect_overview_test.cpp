@@ -38,8 +38,7 @@ class OverviewTest : public VantleTest {
   SoTabNodeOverview* tabs() const { return edition()->getTabNodeOverview(); }
   SoNodeOverview* page() const { return tabs()->getCurrentNodeOverview(); }
   SoFieldWatch* watch() const { return edition()->getFieldWatch(); }
-  template <class T>
-  T* part(char const* name) const {
+  template <class T> T* part(char const* name) const {
     return page()->findChild<T*>(QString::fromLatin1(name));
   }
   std::string label(char const* name) const { return part<QLabel>(name)->text().toStdString(); }
@@ -58,8 +57,9 @@ TEST_F(OverviewTest, Page) {
   EXPECT_EQ(part<QLineEdit>("m_nodeNameValue")->text(), "skin");
   EXPECT_FALSE(part<QLineEdit>("m_nodeNameValue")->isReadOnly());
   EXPECT_EQ(label("m_nodeIdLabel"), "<b> Node Id </b>: " + std::to_string(material->getNodeId()));
-  EXPECT_EQ(label("m_adressLabel"),
-            "<b> Node Address </b>: 0x" + QString::number(reinterpret_cast<quintptr>(material), 16).toStdString());
+  EXPECT_EQ(
+      label("m_adressLabel"),
+      "<b> Node Address </b>: 0x" + QString::number(reinterpret_cast<quintptr>(material), 16).toStdString());
   EXPECT_EQ(tabs()->tabText(0), "Material");
   EXPECT_FALSE(tabs()->tabIcon(0).isNull());
   EXPECT_TRUE(part<QCheckBox>("m_overrideCheckBox")->isEnabled());
@@ -222,7 +222,8 @@ TEST_F(OverviewTest, Watch) {
   SoSensorManager::processDelayQueue(true);
   EXPECT_EQ(watch()->getListItemFromField(&cube->width)->text(SoVantleList::FIELD_VALUE_COLUMN), "12");
   watch()->updateItems(cube);
-  EXPECT_EQ(watch()->getListItemFromField(&other->depth)->text(SoVantleList::NODE_NAME_COLUMN), "c") << "every row";
+  EXPECT_EQ(watch()->getListItemFromField(&other->depth)->text(SoVantleList::NODE_NAME_COLUMN), "c")
+      << "every row";
 
   // A row that is selected is edited; double-clicked, its node is shown.
   SoFieldItem* const row = watch()->getListItemFromField(&cube->width);
@@ -257,4 +258,4 @@ TEST_F(OverviewTest, WatchWidthsMoveLeftEachRound) {
   EXPECT_EQ(again.columnWidth(5), 88);
 }
 
-}  // namespace
+} // namespace

@@ -17,29 +17,52 @@ TEST(NodeInfoTest, EveryTypeHasItsCategory) {
     char const* type;
     Vnt::NodeCategory category;
   } const cases[] = {
-      {"Dragger", Vnt::Manipulator},           {"Group", Vnt::Group},
-      {"Selection", Vnt::Selection},           {"Separator", Vnt::Separator},
-      {"Annotation", Vnt::Separator},          {"Switch", Vnt::Switch},
-      {"LOD", Vnt::Group},                     {"Transform", Vnt::Transform},
-      {"TransformManip", Vnt::Manipulator},    {"Texture2Transform", Vnt::Transform},
-      {"Callback", Vnt::Callback},             {"EventCallback", Vnt::Callback},
-      {"IndexedFaceSet", Vnt::Shape},          {"Text2", Vnt::Shape},
-      {"PerspectiveCamera", Vnt::Camera},      {"PointLight", Vnt::Light},
-      {"PointLightManip", Vnt::Manipulator},   {"SpotLightManip", Vnt::Manipulator},
-      {"DirectionalLightManip", Vnt::Manipulator}, {"DirectionalLight", Vnt::Light},
-      {"ClipPlaneManip", Vnt::Manipulator},    {"ClipPlane", Vnt::Property},
-      {"Coordinate3", Vnt::Topology},          {"Coordinate4", Vnt::Topology},
-      {"Normal", Vnt::Topology},               {"TextureCoordinate2", Vnt::Topology},
-      {"TextureCoordinate3", Vnt::Topology},   {"VertexProperty", Vnt::Topology},
-      {"Material", Vnt::Appearance},           {"GradientBackground", Vnt::Appearance},
-      {"MaterialBinding", Vnt::Appearance},    {"BaseColor", Vnt::Appearance},
-      {"ColorIndex", Vnt::Appearance},         {"DrawStyle", Vnt::Appearance},
-      {"Font", Vnt::Appearance},               {"Texture2", Vnt::Appearance},
-      {"Texture3", Vnt::Appearance},           {"TextureCoordinateBinding", Vnt::Appearance},
-      {"TextureCoordinateFunction", Vnt::Appearance}, {"ShapeHints", Vnt::Appearance},
-      {"PickStyle", Vnt::Appearance},          {"SeparatorKit", Vnt::Nodekit},
-      {"NodeKitListPart", Vnt::Property},      {"File", Vnt::Property},
-      {"WWWInline", Vnt::Property},            {"Complexity", Vnt::Property},
+      {"Dragger", Vnt::Manipulator},
+      {"Group", Vnt::Group},
+      {"Selection", Vnt::Selection},
+      {"Separator", Vnt::Separator},
+      {"Annotation", Vnt::Separator},
+      {"Switch", Vnt::Switch},
+      {"LOD", Vnt::Group},
+      {"Transform", Vnt::Transform},
+      {"TransformManip", Vnt::Manipulator},
+      {"Texture2Transform", Vnt::Transform},
+      {"Callback", Vnt::Callback},
+      {"EventCallback", Vnt::Callback},
+      {"IndexedFaceSet", Vnt::Shape},
+      {"Text2", Vnt::Shape},
+      {"PerspectiveCamera", Vnt::Camera},
+      {"PointLight", Vnt::Light},
+      {"PointLightManip", Vnt::Manipulator},
+      {"SpotLightManip", Vnt::Manipulator},
+      {"DirectionalLightManip", Vnt::Manipulator},
+      {"DirectionalLight", Vnt::Light},
+      {"ClipPlaneManip", Vnt::Manipulator},
+      {"ClipPlane", Vnt::Property},
+      {"Coordinate3", Vnt::Topology},
+      {"Coordinate4", Vnt::Topology},
+      {"Normal", Vnt::Topology},
+      {"TextureCoordinate2", Vnt::Topology},
+      {"TextureCoordinate3", Vnt::Topology},
+      {"VertexProperty", Vnt::Topology},
+      {"Material", Vnt::Appearance},
+      {"GradientBackground", Vnt::Appearance},
+      {"MaterialBinding", Vnt::Appearance},
+      {"BaseColor", Vnt::Appearance},
+      {"ColorIndex", Vnt::Appearance},
+      {"DrawStyle", Vnt::Appearance},
+      {"Font", Vnt::Appearance},
+      {"Texture2", Vnt::Appearance},
+      {"Texture3", Vnt::Appearance},
+      {"TextureCoordinateBinding", Vnt::Appearance},
+      {"TextureCoordinateFunction", Vnt::Appearance},
+      {"ShapeHints", Vnt::Appearance},
+      {"PickStyle", Vnt::Appearance},
+      {"SeparatorKit", Vnt::Nodekit},
+      {"NodeKitListPart", Vnt::Property},
+      {"File", Vnt::Property},
+      {"WWWInline", Vnt::Property},
+      {"Complexity", Vnt::Property},
   };
   for (auto const& c : cases) {
     SoType const type = SoType::fromName(c.type);
@@ -55,14 +78,16 @@ TEST(NodeInfoTest, NamesKeysAndPictures) {
     EXPECT_EQ(VntNodeInfo::iconPath(category), "treeview." + name.toLower());
     QPixmap* const pixmap = VntNodeInfo::pixmap(category);
     ASSERT_TRUE(pixmap) << qPrintable(name);
-    EXPECT_EQ(picture(*pixmap), picture(QPixmap(":/Vantle_icons/Icons/" + name.toLower() + ".png"))) << qPrintable(name);
+    EXPECT_EQ(picture(*pixmap), picture(QPixmap(":/Vantle_icons/Icons/" + name.toLower() + ".png")))
+        << qPrintable(name);
     EXPECT_EQ(VntNodeInfo::pixmap(category), pixmap);
     EXPECT_EQ(picture(VntNodeInfo::icon(category).pixmap(16, 16)), picture(*pixmap));
   }
   EXPECT_TRUE(VntNodeInfo::categoryName(Vnt::Unknown).isEmpty());
   EXPECT_TRUE(VntNodeInfo::iconPath(Vnt::Unknown).isEmpty());
   EXPECT_EQ(picture(*VntNodeInfo::pixmap(Vnt::Unknown)), picture(QPixmap(":/Vantle_icons/Icons/help.png")));
-  for (auto [alias, as] : {std::pair{Vnt::ManipulatorAlias, Vnt::Manipulator}, {Vnt::AppearanceAlias, Vnt::Appearance}}) {
+  for (auto [alias, as] :
+       {std::pair{Vnt::ManipulatorAlias, Vnt::Manipulator}, {Vnt::AppearanceAlias, Vnt::Appearance}}) {
     EXPECT_EQ(VntNodeInfo::categoryName(alias), VntNodeInfo::categoryName(as));
     EXPECT_EQ(VntNodeInfo::iconPath(alias), VntNodeInfo::iconPath(as));
     EXPECT_FALSE(VntNodeInfo::pixmap(alias));
@@ -81,4 +106,4 @@ TEST(NodeInfoTest, CleanForgetsButKeepsThePixmaps) {
   EXPECT_NE(VntNodeInfo::pixmap(node.get()), before);
 }
 
-}  // namespace
+} // namespace

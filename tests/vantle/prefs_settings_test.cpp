@@ -78,7 +78,8 @@ TEST_F(SettingsTest, Styles) {
   QString const tree = "/TreeViewPreferences/";
   auto styles = TreeViewConfig::readStyles(tree);
   EXPECT_EQ(styles, TreeViewConfig::defaultStyles()) << "nothing stored";
-  EXPECT_EQ(styles.keys(), QStringList({"Node From Field", "Node Type", "Node/Part Name", "Reference Count"}));
+  EXPECT_EQ(styles.keys(),
+            QStringList({"Node From Field", "Node Type", "Node/Part Name", "Reference Count"}));
   EXPECT_TRUE(styles["Node/Part Name"].font.italic());
   EXPECT_EQ(styles["Node/Part Name"].color, QColor(Qt::darkGreen));
   EXPECT_EQ(styles["Node From Field"].font.family(), "Times New Roman");
@@ -197,4 +198,4 @@ TEST_F(SettingsTest, TheActionsFollowTheFocus) {
   EXPECT_TRUE(deletes->isEnabled());
 }
 
-}  // namespace
+} // namespace

@@ -28,7 +28,7 @@ TEST_F(RowsTest, GroupsSharedNodesAndNodesInFields) {
     Switch { USE shape Group { } }
     Group { USE points }
   })"));
-  EXPECT_EQ(rowLines(tree.view, false), 
+  EXPECT_EQ(rowLines(tree.view, false),
             R"(0 Separator
   0 IndexedFaceSet 'shape'
     0 VertexProperty 'points' in vertexProperty
@@ -85,7 +85,8 @@ TEST_F(RowsTest, PartsOfKits) {
       0 Group in containerNode
         0 SeparatorKit 'childList[0]'
         1 ShapeKit 'childList[1]'
-)").substr(0, 220));
+)")
+                                                           .substr(0, 220));
   SoTreeViewItem* const top = tree.root()->child(0);
   EXPECT_TRUE(top->baseKitPart() && !top->isPartPublic());
   EXPECT_EQ(top->getBaseKit(), kit.get());
@@ -183,7 +184,8 @@ TEST_F(RowsTest, Order) {
   EXPECT_FALSE(*first < *second->child(0) || *second->child(0) < *first);
   EXPECT_EQ(first->compareTo(*second->child(0)), 0);
   SoSortedItemList list;
-  for (SoTreeViewItem* row : {second->child(1), first, second, second->child(1), tree.root()}) list.addRef(row);
+  for (SoTreeViewItem* row : {second->child(1), first, second, second->child(1), tree.root()})
+    list.addRef(row);
   QList<SoTreeViewItem*> rows;
   list.toList(rows);
   EXPECT_EQ(rows, QList<SoTreeViewItem*>({tree.root(), first, second, second->child(1)}));
@@ -200,8 +202,8 @@ TEST_F(RowsTest, TheIndexFindsEveryRowOfANode) {
   QList<SoTreeViewItem*> rows;
   references.getAllItems(cube, rows);
   SoTreeViewItem* const last = tree.root()->child(2);
-  EXPECT_EQ(rows, QList<SoTreeViewItem*>(
-                      {tree.root()->child(0), tree.root()->child(1)->child(0), last->child(0), last->child(1)}));
+  EXPECT_EQ(rows, QList<SoTreeViewItem*>({tree.root()->child(0), tree.root()->child(1)->child(0),
+                                          last->child(0), last->child(1)}));
   QList<QList<SoTreeViewItem*>*> families;
   references.searchItemFamilies(cube, families);
   EXPECT_EQ(families.size(), 4);
@@ -223,4 +225,4 @@ TEST_F(RowsTest, TheIndexFindsEveryRowOfANode) {
   EXPECT_EQ(rows.size(), 2);
 }
 
-}  // namespace
+} // namespace

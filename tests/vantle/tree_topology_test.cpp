@@ -33,8 +33,10 @@ std::string freshLines(SoNode* scene) {
 class Changer {
  public:
   explicit Changer(unsigned seed) : m_random(seed) {
-    for (int i = 0; i < 12; ++i) m_groups.emplace_back(i % 3 ? static_cast<SoGroup*>(new SoSeparator) : new SoSwitch);
-    for (int i = 0; i < 8; ++i) m_leaves.emplace_back(i % 2 ? static_cast<SoNode*>(new SoCube) : new SoVertexProperty);
+    for (int i = 0; i < 12; ++i)
+      m_groups.emplace_back(i % 3 ? static_cast<SoGroup*>(new SoSeparator) : new SoSwitch);
+    for (int i = 0; i < 8; ++i)
+      m_leaves.emplace_back(i % 2 ? static_cast<SoNode*>(new SoCube) : new SoVertexProperty);
     for (int i = 0; i < 3; ++i) m_shapes.emplace_back(new SoIndexedFaceSet);
     for (int i = 0; i < 2; ++i) m_kits.emplace_back(new SoWrapperKit);
     for (int i = 0; i < 40; ++i) step();
@@ -46,14 +48,35 @@ class Changer {
     SoGroup* const group = m_groups[number(m_groups.size())];
     int const count = group->getNumChildren();
     switch (number(12)) {
-      case 0: case 1: case 2: group->addChild(node(group)); break;
-      case 3: case 4: group->insertChild(node(group), number(count + 1)); break;
-      case 5: if (count) group->replaceChild(number(count), node(group)); break;
-      case 6: case 7: if (count) group->removeChild(number(count)); break;
-      case 8: if (number(4) == 0) group->removeAllChildren(); break;
-      case 9: changeShape(); break;
-      case 10: changeKit(); break;
-      case 11: group->enableNotify(true); group->touch(); break;
+      case 0:
+      case 1:
+      case 2:
+        group->addChild(node(group));
+        break;
+      case 3:
+      case 4:
+        group->insertChild(node(group), number(count + 1));
+        break;
+      case 5:
+        if (count) group->replaceChild(number(count), node(group));
+        break;
+      case 6:
+      case 7:
+        if (count) group->removeChild(number(count));
+        break;
+      case 8:
+        if (number(4) == 0) group->removeAllChildren();
+        break;
+      case 9:
+        changeShape();
+        break;
+      case 10:
+        changeKit();
+        break;
+      case 11:
+        group->enableNotify(true);
+        group->touch();
+        break;
     }
   }
 
@@ -63,15 +86,19 @@ class Changer {
   /// Of those that do not hold the group themselves. Few groups, so that what grows stays small.
   SoNode* node(SoGroup* below) {
     switch (number(8)) {
-      case 0: return m_shapes[number(m_shapes.size())];
-      case 1: return m_kits[number(m_kits.size())];
-      case 2: case 3: {
+      case 0:
+        return m_shapes[number(m_shapes.size())];
+      case 1:
+        return m_kits[number(m_kits.size())];
+      case 2:
+      case 3: {
         SoGroup* const group = m_groups[number(m_groups.size())];
         // Downwards only: no circles, and a depth that ends.
         if (group > below && group != root()) return group;
         break;
       }
-      default: break;
+      default:
+        break;
     }
     return m_leaves[number(m_leaves.size())];
   }
@@ -84,11 +111,21 @@ class Changer {
   void changeKit() {
     SoWrapperKit* const kit = m_kits[number(m_kits.size())];
     switch (number(5)) {
-      case 0: kit->setPart("contents", number(2) ? new SoSeparator : nullptr); break;
-      case 1: kit->setPart("localTransform", nullptr); break;
-      case 2: kit->getPart("localTransform", true); break;
-      case 3: kit->setPart("childList[0]", new SoSeparatorKit); break;
-      case 4: if (kit->getPart("childList[0]", false)) kit->setPart("childList[0]", nullptr); break;
+      case 0:
+        kit->setPart("contents", number(2) ? new SoSeparator : nullptr);
+        break;
+      case 1:
+        kit->setPart("localTransform", nullptr);
+        break;
+      case 2:
+        kit->getPart("localTransform", true);
+        break;
+      case 3:
+        kit->setPart("childList[0]", new SoSeparatorKit);
+        break;
+      case 4:
+        if (kit->getPart("childList[0]", false)) kit->setPart("childList[0]", nullptr);
+        break;
     }
   }
 
@@ -106,7 +143,7 @@ TEST_F(TopologyTest, RowsAreThoseOfAFreshTreeAfterAnyChange) {
     for (int i = 0; i < 700; ++i) {
       changer.step();
       std::string const rows = rowLines(tree.view);
-      if (rows.size() > 400'000) break;  // sharing has multiplied the places
+      if (rows.size() > 400'000) break; // sharing has multiplied the places
       ASSERT_EQ(rows, freshLines(changer.root())) << "seed " << seed << ", step " << i;
       if (i % 10 == 0 && tree.root()->firstChild()) tree.view.setCurrentItem(tree.view.lastItem());
       if (i % 50 == 0) tree.view.expandAll(tree.root());
@@ -148,8 +185,8 @@ TEST_F(TopologyTest, RowsThatStayKeepWhatTheyHave) {
 }
 
 TEST_F(TopologyTest, SharedGroupsAndSceneRoot) {
-  SoRef<SoSeparator> const scene(static_cast<SoSeparator*>(
-      read("Separator { DEF s Separator { } Group { USE s } Group { USE s } }")));
+  SoRef<SoSeparator> const scene(
+      static_cast<SoSeparator*>(read("Separator { DEF s Separator { } Group { USE s } Group { USE s } }")));
   WatchedTree tree(scene);
   SoReferencedNodeManager const& references = *tree.view.getReferencedNodeManager();
   int const before = references.rowCount();
@@ -179,9 +216,10 @@ void changeAgain(void* group, SoSensor* sensor) {
 }
 
 TEST_F(TopologyTest, ChangesInsideOfChanges) {
-  SoRef<SoSeparator> const scene(static_cast<SoSeparator*>(read("Separator { Separator { Cone { } Cube { } } }")));
+  SoRef<SoSeparator> const scene(
+      static_cast<SoSeparator*>(read("Separator { Separator { Cone { } Cube { } } }")));
   auto* group = static_cast<SoGroup*>(scene->getChild(0));
-  SoNodeSensor first(changeAgain, group);  // hears of the change before the tree does
+  SoNodeSensor first(changeAgain, group); // hears of the change before the tree does
   first.setPriority(0);
   WatchedTree tree(scene);
   for (int round = 0; round < 3; ++round) {
@@ -194,7 +232,8 @@ TEST_F(TopologyTest, ChangesInsideOfChanges) {
 }
 
 TEST_F(TopologyTest, IgnoredRowsStayAndTakeTheirNodeBack) {
-  SoRef<SoSeparator> const scene(static_cast<SoSeparator*>(read("Separator { Cone { } Cube { } Sphere { } }")));
+  SoRef<SoSeparator> const scene(
+      static_cast<SoSeparator*>(read("Separator { Cone { } Cube { } Sphere { } }")));
   WatchedTree tree(scene);
   SoRef<SoNode> const cube(scene->getChild(1));
   SoTreeViewItem* const row = tree.root()->child(1);
@@ -210,7 +249,8 @@ TEST_F(TopologyTest, IgnoredRowsStayAndTakeTheirNodeBack) {
 }
 
 TEST_F(TopologyTest, NodesInFieldsThroughTheEditCommandsOperations) {
-  SoRef<SoSeparator> const scene(static_cast<SoSeparator*>(read("Separator { DEF f IndexedFaceSet { } Group { USE f } }")));
+  SoRef<SoSeparator> const scene(
+      static_cast<SoSeparator*>(read("Separator { DEF f IndexedFaceSet { } Group { USE f } }")));
   WatchedTree tree(scene);
   auto* shape = static_cast<SoIndexedFaceSet*>(scene->getChild(0));
   SoRef<SoVertexProperty> const points(new SoVertexProperty);
@@ -246,4 +286,4 @@ TEST_F(TopologyTest, AReloadedFileEmptiesTheHistory) {
   EXPECT_TRUE(QString::fromStdString(rowLines(*tree(), false)).contains("Cone"));
 }
 
-}  // namespace
+} // namespace

@@ -113,7 +113,7 @@ TEST_F(TreeTest, InspectingChangesNothing) {
   }
   QCoreApplication::processEvents();
   EXPECT_EQ(notifications, 0);
-  tree()->getGraphSelection()->deselectAll();  // a selected path holds its nodes
+  tree()->getGraphSelection()->deselectAll(); // a selected path holds its nodes
   viewer()->setScene(nullptr, true);
   for (std::size_t i = 0; i < ids.size(); ++i) {
     EXPECT_EQ(ids[i].first->getNodeId(), ids[i].second);
@@ -127,7 +127,8 @@ TEST_F(TreeTest, Filter) {
     for (SoTreeViewItem* row = tree.root(); row; row = SoVantleTreeView::itemBelowInTree(row)) {
       bool const wanted = !(VntNodeInfo::category(row->getNode()) & mask);
       EXPECT_EQ(row->isHidden(), wanted) << mask << ' ' << qPrintable(row->text(0));
-      EXPECT_EQ(static_cast<QTreeWidgetItem*>(row)->isHidden(), wanted) << mask << ' ' << qPrintable(row->text(0));
+      EXPECT_EQ(static_cast<QTreeWidgetItem*>(row)->isHidden(), wanted)
+          << mask << ' ' << qPrintable(row->text(0));
     }
   };
   for (int mask : {16383, 0, 16383 - Vnt::Shape, Vnt::Separator | Vnt::Light, 16383}) {
@@ -154,8 +155,10 @@ TEST_F(TreeTest, FilterOfALargeTreeHidesWhatIsOpened) {
   auto const shown = [&](SoTreeViewItem* group) {
     int count = 0;
     for (int i = 0; i < group->childCount(); ++i) {
-      EXPECT_EQ(group->rawChild(i)->isHidden(), !(VntNodeInfo::category(group->rawChild(i)->getNode()) & tree.view.getFilter()));
-      count += !tree.view.isRowHidden(i, tree.view.model()->index(group->row(), 0, tree.view.model()->index(0, 0)));
+      EXPECT_EQ(group->rawChild(i)->isHidden(),
+                !(VntNodeInfo::category(group->rawChild(i)->getNode()) & tree.view.getFilter()));
+      count += !tree.view.isRowHidden(
+          i, tree.view.model()->index(group->row(), 0, tree.view.model()->index(0, 0)));
     }
     return count;
   };
@@ -234,7 +237,8 @@ TEST_F(TreeTest, Search) {
   };
   for (auto const& c : cases) {
     view.setCurrentItem(c.from);
-    EXPECT_EQ(view.find(c.mode, c.text, c.flags), c.found) << c.mode << ' ' << qPrintable(c.text) << ' ' << c.flags;
+    EXPECT_EQ(view.find(c.mode, c.text, c.flags), c.found)
+        << c.mode << ' ' << qPrintable(c.text) << ' ' << c.flags;
   }
   SoVantleTreeView empty;
   EXPECT_EQ(empty.find(0, "Cube", 0), nullptr);
@@ -336,4 +340,4 @@ TEST_F(TreeTest, AGraphOf30000Levels) {
   EXPECT_EQ(tree.root(), nullptr);
 }
 
-}  // namespace
+} // namespace

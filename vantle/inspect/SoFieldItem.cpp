@@ -4,13 +4,14 @@
 #include "vantle/inspect/SoVantleList.h"
 #include "vantle/session/QtText.h"
 
-SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldContainer* container, SoFieldContainer* defaultInstance, int index,
-                         bool catalogPart)
+SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldContainer* container, SoFieldContainer* defaultInstance,
+                         int index, bool catalogPart)
     : QTreeWidgetItem(TYPE),
       m_list(list),
       m_field(container->getField(index)),
-      m_defaultField(defaultInstance && index < defaultInstance->getNumFields() ? defaultInstance->getField(index)
-                                                                                : nullptr),
+      m_defaultField(defaultInstance && index < defaultInstance->getNumFields()
+                         ? defaultInstance->getField(index)
+                         : nullptr),
       m_catalogPart(catalogPart),
       m_sensor(&SoVantleList::fieldSensorCB, list) {
   setText(SoVantleList::NODE_TYPE_COLUMN, toQString(container->getTypeId().getName().toString()));

@@ -8,8 +8,8 @@ class SoField;
 class SoFieldContainer;
 class SoVantleList;
 
-/// A row of a list of fields: one field, followed by a sensor of its own. The row may outlive the field; it is then
-/// grey and disabled, and keeps the last value.
+/// A row of a list of fields: one field, followed by a sensor of its own. The row may outlive the field; it
+/// is then grey and disabled, and keeps the last value.
 class SoFieldItem : public QTreeWidgetItem {
  public:
   static constexpr int TYPE = QTreeWidgetItem::UserType + 2;

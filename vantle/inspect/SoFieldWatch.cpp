@@ -20,7 +20,7 @@ SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoFieldWatch::SoFieldWatch(QWidget* parent, char const* name, Qt::WindowFlags flags)
     : SoVantleList(parent, name ? name : "SoFieldWatch", flags) {

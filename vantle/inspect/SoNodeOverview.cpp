@@ -25,10 +25,11 @@ SoCommandManager* commandManager() {
 }
 
 SoNode* asNode(SoFieldContainer* container) {
-  return container && container->isOfType(SoNode::getClassTypeId()) ? static_cast<SoNode*>(container) : nullptr;
+  return container && container->isOfType(SoNode::getClassTypeId()) ? static_cast<SoNode*>(container)
+                                                                    : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoNodeOverview::SoNodeOverview(QWidget* parent, char const* name, Qt::WindowFlags flags)
     : QWidget(parent, flags), m_sensor(&SoNodeOverview::nodeSensorCB, this) {
@@ -160,7 +161,8 @@ void SoNodeOverview::setSceneNode(SoFieldContainer* container, SoNode* kit) {
 
 void SoNodeOverview::showName(SoNode* kit) {
   SbString part;
-  if (kit && kit->isOfType(SoBaseKit::getClassTypeId())) part = static_cast<SoBaseKit*>(kit)->getPartString(m_container);
+  if (kit && kit->isOfType(SoBaseKit::getClassTypeId()))
+    part = static_cast<SoBaseKit*>(kit)->getPartString(m_container);
   m_nodeNameLabel->setText(part.empty() ? tr("<b> Node Name </b>:") : tr("<b> Part Name </b>:"));
   m_nodeNameValue->setText(toQString(part.empty() ? m_container->getName().toString() : part));
   m_nodeNameValue->setReadOnly(!part.empty());
@@ -212,7 +214,8 @@ void SoNodeOverview::nameEdited(QString const& text) {
 }
 
 void SoNodeOverview::overrideButtonStateChanged() {
-  if (SoCommandManager* commands = commandManager()) commands->nodeSetOverride(m_overrideCheckBox->isChecked());
+  if (SoCommandManager* commands = commandManager())
+    commands->nodeSetOverride(m_overrideCheckBox->isChecked());
 }
 
 void SoNodeOverview::nodeNameChanged(QString const&) { m_nodeNameValue->clear(); }
@@ -225,7 +228,8 @@ void SoNodeOverview::nodeSensorCB(void* data, SoSensor*) {
 }
 
 void SoNodeOverview::containerDiesCB(void* data, SoSensor*) {
-  // The rows have lost their fields already and keep the last values; nothing here may ask the container again.
+  // The rows have lost their fields already and keep the last values; nothing here may ask the container
+  // again.
   auto* const overview = static_cast<SoNodeOverview*>(data);
   SoFieldContainer* const gone = std::exchange(overview->m_container, nullptr);
   overview->m_nodeNameValue->setReadOnly(true);

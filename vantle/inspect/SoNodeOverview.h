@@ -17,8 +17,8 @@ class SoNodeOverview : public QWidget {
   Q_OBJECT
  public:
   explicit SoNodeOverview(QWidget* parent = nullptr, char const* name = nullptr, Qt::WindowFlags flags = {});
-  SoNodeOverview(SoFieldContainer* container, SoNode* kit, QWidget* parent = nullptr, char const* name = nullptr,
-                 Qt::WindowFlags flags = {});
+  SoNodeOverview(SoFieldContainer* container, SoNode* kit, QWidget* parent = nullptr,
+                 char const* name = nullptr, Qt::WindowFlags flags = {});
   ~SoNodeOverview() override;
 
   /// `kit`: the node kit that the container may be a part of; null when there is none.
@@ -57,7 +57,7 @@ class SoNodeOverview : public QWidget {
   SoNodeSensor m_sensor;
   QLabel* m_nodeNameLabel = nullptr;
   QLineEdit* m_nodeNameValue = nullptr;
-  QLabel* m_nodeNetNameLabel = nullptr;  // only in a host's launch mode
+  QLabel* m_nodeNetNameLabel = nullptr; // only in a host's launch mode
   QLabel* m_adressLabel = nullptr;
   QLabel* m_nodeIdLabel = nullptr;
   QCheckBox* m_overrideCheckBox = nullptr;

@@ -10,7 +10,8 @@ SoNodeOverviewList::SoNodeOverviewList(QWidget* parent, char const* name, Qt::Wi
 
 void SoNodeOverviewList::initPreferences() {
   for (int i = 0; i + 1 < columnCount(); ++i) {
-    int const width = NodeOverviewConfig::listColumnWidth(i, SoNodeOverview::getNodeOverviewPreferencesPath());
+    int const width =
+        NodeOverviewConfig::listColumnWidth(i, SoNodeOverview::getNodeOverviewPreferencesPath());
     if (width == -1) continue;
     header()->setSectionResizeMode(i + 1, QHeaderView::Interactive);
     setColumnWidth(i + 1, width);

@@ -6,9 +6,10 @@
 class SoNodeOverviewList : public SoVantleList {
   Q_OBJECT
  public:
-  explicit SoNodeOverviewList(QWidget* parent = nullptr, char const* name = nullptr, Qt::WindowFlags flags = {});
+  explicit SoNodeOverviewList(QWidget* parent = nullptr, char const* name = nullptr,
+                              Qt::WindowFlags flags = {});
 
-  /// Applies the stored widths, each to the column after the one it was stored for: the settings count without the
-  /// hidden column.
+  /// Applies the stored widths, each to the column after the one it was stored for: the settings count
+  /// without the hidden column.
   void initPreferences();
 };

@@ -22,7 +22,7 @@ SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoTabNodeOverview::SoTabNodeOverview(SoVantleTreeView* treeView, SoVantleEdition* edition, QWidget* parent,
                                      char const* name)
@@ -40,7 +40,8 @@ SoNodeOverview* SoTabNodeOverview::makePage() {
   page->getList()->initPreferences();
   setNodeOverviewPreferences(page);
   connect(page->getList(), &QTreeWidget::currentItemChanged, m_edition, &SoVantleEdition::setField);
-  connect(page->getList(), &SoVantleList::columnWidthChanged, this, &SoTabNodeOverview::overviewColumnListChanged);
+  connect(page->getList(), &SoVantleList::columnWidthChanged, this,
+          &SoTabNodeOverview::overviewColumnListChanged);
   // Rows show names too.
   connect(page, &SoNodeOverview::containerRenamed, m_treeView, [this] { m_treeView->viewport()->update(); });
   return page;
@@ -57,7 +58,9 @@ void SoTabNodeOverview::setNodeOverviewPreferences(SoNodeOverview* page) {
 
 void SoTabNodeOverview::addTabNode() { setCurrentIndex(addTab(makePage(), QString())); }
 
-SoNodeOverview* SoTabNodeOverview::page(int index) const { return qobject_cast<SoNodeOverview*>(widget(index)); }
+SoNodeOverview* SoTabNodeOverview::page(int index) const {
+  return qobject_cast<SoNodeOverview*>(widget(index));
+}
 SoNodeOverview* SoTabNodeOverview::getCurrentNodeOverview() const { return page(currentIndex()); }
 
 SoFieldItem* SoTabNodeOverview::getCurrentFieldItem() const {

@@ -15,13 +15,14 @@
 #include "vantle/prefs/SoFieldWatchState.h"
 #include "vnt/VntServices.h"
 
-SoVantleEdition::SoVantleEdition(SoVantleTreeView* treeView, QDockWidget* overviewDock, QDockWidget* watchDock)
+SoVantleEdition::SoVantleEdition(SoVantleTreeView* treeView, QDockWidget* overviewDock,
+                                 QDockWidget* watchDock)
     : m_overviewDock(overviewDock), m_watchDock(watchDock) {
   initClass(treeView);
 }
 
-SoVantleEdition::SoVantleEdition(SoNode* node, SoNode* kit, SoVantleTreeView* treeView, QDockWidget* overviewDock,
-                                 QDockWidget* watchDock)
+SoVantleEdition::SoVantleEdition(SoNode* node, SoNode* kit, SoVantleTreeView* treeView,
+                                 QDockWidget* overviewDock, QDockWidget* watchDock)
     : SoVantleEdition(treeView, overviewDock, watchDock) {
   setNode(node, kit, false);
 }
@@ -69,14 +70,16 @@ void SoVantleEdition::setField(QTreeWidgetItem* current, QTreeWidgetItem*) {
       overview->getWatchButton()->setEnabled(true);
     }
   }
-  if (VntServices* services = VntServices::getInstance()) services->setSelectedField(item ? item->getField() : nullptr);
+  if (VntServices* services = VntServices::getInstance())
+    services->setSelectedField(item ? item->getField() : nullptr);
 }
 
 void SoVantleEdition::addFieldWatch() {
   SoFieldItem const* const item = m_overviews ? m_overviews->getCurrentFieldItem() : nullptr;
   SoField const* const field = item ? item->getField() : nullptr;
   if (!field || !m_fieldWatch) return;
-  for (SoType type : {SoSFNode::getClassTypeId(), SoMFNode::getClassTypeId(), SoMFUniformShaderParameter::getClassTypeId()}) {
+  for (SoType type : {SoSFNode::getClassTypeId(), SoMFNode::getClassTypeId(),
+                      SoMFUniformShaderParameter::getClassTypeId()}) {
     if (field->isOfType(type)) return;
   }
   m_fieldWatch->insertFieldItem(item);

@@ -17,7 +17,7 @@
 namespace {
 
 char const styleText[] = R"(
-QTreeView { show-decoration-selected: 0; }
+QTreeView { show-decoration-selected: 0; outline: 0; }
 QTreeView::item { height: 24px; border: none; }
 QTreeView::branch { border: none; }
 QTreeView::item:hover, QTreeView::branch:hover {
@@ -42,12 +42,12 @@ QIcon const& connectionIcon() {
 
 /// Names in the header menu, for the columns from the first one that is shown.
 std::array<char const*, 8> const menuNames{
-    QT_TRANSLATE_NOOP("SoVantleList", "Ignore"),     QT_TRANSLATE_NOOP("SoVantleList", "Connected"),
-    QT_TRANSLATE_NOOP("SoVantleList", "Node Type"),  QT_TRANSLATE_NOOP("SoVantleList", "Node Name"),
-    QT_TRANSLATE_NOOP("SoVantleList", "Field Type"), QT_TRANSLATE_NOOP("SoVantleList", "Field Name"),
+    QT_TRANSLATE_NOOP("SoVantleList", "Ignore"),      QT_TRANSLATE_NOOP("SoVantleList", "Connected"),
+    QT_TRANSLATE_NOOP("SoVantleList", "Node Type"),   QT_TRANSLATE_NOOP("SoVantleList", "Node Name"),
+    QT_TRANSLATE_NOOP("SoVantleList", "Field Type"),  QT_TRANSLATE_NOOP("SoVantleList", "Field Name"),
     QT_TRANSLATE_NOOP("SoVantleList", "Field Value"), QT_TRANSLATE_NOOP("SoVantleList", "Node NetName")};
 
-}  // namespace
+} // namespace
 
 SoVantleList::SoVantleList(QWidget* parent, char const* name, Qt::WindowFlags flags) : QTreeWidget(parent) {
   if (flags) setWindowFlags(flags);
@@ -56,14 +56,15 @@ SoVantleList::SoVantleList(QWidget* parent, char const* name, Qt::WindowFlags fl
   headerView->setSectionsClickable(true);
   headerView->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   headerView->setStretchLastSection(true);
-  headerView->setMinimumSectionSize(0);  // columns are hidden by width
+  headerView->setMinimumSectionSize(0); // columns are hidden by width
   setHeader(headerView);
   connect(headerView, &SoHeaderView::rightClicked, this, &SoVantleList::headerRightClicked);
   setStyleSheet(QString::fromLatin1(styleText));
 
   setColumnCount(hasNetNameColumn() ? 9 : 8);
   QStringList labels{QString(), QString(), QString()};
-  for (int column = NODE_TYPE_COLUMN; column < columnCount(); ++column) labels.append(tr(menuNames[column - 1]));
+  for (int column = NODE_TYPE_COLUMN; column < columnCount(); ++column)
+    labels.append(tr(menuNames[column - 1]));
   setHeaderLabels(labels);
   setColumnHidden(HIDDEN_COLUMN, true);
   headerItem()->setIcon(IGNORED_COLUMN, ignoreIcon());
@@ -106,7 +107,8 @@ bool SoVantleList::hasNetNameColumn() {
 SoFieldContainer* SoVantleList::makeDefaultInstance(SoFieldContainer const* container) {
   SoType const type = container->getTypeId();
   for (auto const& instance : m_defaultInstances) {
-    if (instance->getTypeId() == type && instance->getNumFields() == container->getNumFields()) return instance;
+    if (instance->getTypeId() == type && instance->getNumFields() == container->getNumFields())
+      return instance;
   }
   auto* const made = static_cast<SoFieldContainer*>(type.createInstance());
   if (made) keepDefaultInstance(made);
@@ -182,7 +184,8 @@ SoFieldItem* SoVantleList::getListItemFromField(SoField const* field) const {
 }
 
 void SoVantleList::fieldSensorCB(void* list, SoSensor* sensor) {
-  if (list && sensor) static_cast<SoVantleList*>(list)->revert(static_cast<SoFieldSensor*>(sensor)->getTriggerField());
+  if (list && sensor)
+    static_cast<SoVantleList*>(list)->revert(static_cast<SoFieldSensor*>(sensor)->getTriggerField());
 }
 
 SoFieldItem* SoVantleList::firstChild() const { return SoFieldItem::cast(topLevelItem(0)); }

@@ -58,8 +58,8 @@ class SoVantleList : public QTreeWidget {
   /// What the value column shows of a field.
   struct Value {
     QString text;
-    bool enabled = true;   ///< false: nothing to be edited as text
-    bool isImage = false;  ///< shown as a picture; without text
+    bool enabled = true;  ///< false: nothing to be edited as text
+    bool isImage = false; ///< shown as a picture; without text
   };
   static Value valueOf(SoField* field);
   static void fieldSensorCB(void* list, SoSensor* sensor);

@@ -32,7 +32,7 @@ QString nodesText(SoMFNode const* field, int count) {
   return text;
 }
 
-}  // namespace
+} // namespace
 
 SoVantleList::Value SoVantleList::multipleValueOf(SoMField* field) {
   Value value;
@@ -40,7 +40,7 @@ SoVantleList::Value SoVantleList::multipleValueOf(SoMField* field) {
   int const shown = std::min(count, SHOWN_VALUES);
   QString& text = value.text;
   if (field->isOfType(SoMFInstanceParameter::getClassTypeId())) {
-    text = QStringLiteral(",");  // trimmed away below: there is nothing to say about instances
+    text = QStringLiteral(","); // trimmed away below: there is nothing to say about instances
   } else if (field->isOfType(SoMFNode::getClassTypeId()) ||
              field->isOfType(SoMFUniformShaderParameter::getClassTypeId())) {
     text = nodesText(static_cast<SoMFNode*>(field), shown);

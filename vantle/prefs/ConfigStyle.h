@@ -5,7 +5,7 @@
 
 /// How one kind of text is shown.
 struct ConfigStyle {
-  QFont font;  ///< family, point size, bold, italic and underline count
+  QFont font; ///< family, point size, bold, italic and underline count
   QColor color;
   bool show = true;
 

@@ -33,7 +33,8 @@ QMap<QString, ConfigStyle> SoReadStyles(QMap<QString, ConfigStyle> styles, QStri
     ConfigStyle& style = *it;
     style.font = QFont(SoVantleConfig::readEntry(key + QStringLiteral("/family"), style.font.family()));
     style.font.setPointSize(SoVantleConfig::readNumEntry(key + QStringLiteral("/size"), 10));
-    style.font.setWeight(SoVantleConfig::readBoolEntry(key + QStringLiteral("/bold")) ? QFont::Bold : QFont::Normal);
+    style.font.setWeight(SoVantleConfig::readBoolEntry(key + QStringLiteral("/bold")) ? QFont::Bold
+                                                                                      : QFont::Normal);
     style.font.setItalic(SoVantleConfig::readBoolEntry(key + QStringLiteral("/italic")));
     style.font.setUnderline(SoVantleConfig::readBoolEntry(key + QStringLiteral("/underline")));
     style.color = QColor(SoVantleConfig::readNumEntry(key + QStringLiteral("/red")),

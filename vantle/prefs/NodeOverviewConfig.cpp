@@ -11,7 +11,7 @@ QString widthKey(int column, QString const& group) {
   return group + QStringLiteral("/ListColumnWidth/") + QString::number(column);
 }
 
-}  // namespace
+} // namespace
 
 bool NodeOverviewConfig::showCatalogPart(QString const& group) {
   return SoVantleConfig::readBoolEntry(group + QStringLiteral("/ShowCatalogPart"), false);
@@ -22,7 +22,8 @@ void NodeOverviewConfig::setCatalogPart(bool on, QString const& group) {
 
 int NodeOverviewConfig::listColumnWidth(int column, QString const& group) {
   static int const defaults[] = {20, 20, 0, 0};
-  return SoVantleConfig::readNumEntry(widthKey(column, group), column >= 0 && column < 4 ? defaults[column] : -1);
+  return SoVantleConfig::readNumEntry(widthKey(column, group),
+                                      column >= 0 && column < 4 ? defaults[column] : -1);
 }
 void NodeOverviewConfig::setListColumnWidth(int column, int width, QString const& group) {
   SoVantleConfig::writeEntry(widthKey(column, group), width);

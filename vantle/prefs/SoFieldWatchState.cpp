@@ -16,14 +16,15 @@
 namespace {
 
 QAction* deleteAction() {
-  SoVantleMainFrame* const frame = VntShellImpl::isInstance() ? VntShellImpl::getImplInstance()->getMainFrame() : nullptr;
+  SoVantleMainFrame* const frame =
+      VntShellImpl::isInstance() ? VntShellImpl::getImplInstance()->getMainFrame() : nullptr;
   return frame ? frame->m_deleteAction : nullptr;
 }
 SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoFieldWatchState::SoFieldWatchState(SoFieldWatch* watch) : m_watch(watch) {}
 SoFieldWatchState::~SoFieldWatchState() { SoVantleStateManager::stateUnregister(this); }
@@ -40,7 +41,8 @@ void SoFieldWatchState::activate() {
 void SoFieldWatchState::desactivate() {
   disconnect(m_watch, &QTreeWidget::currentItemChanged, this, &SoFieldWatchState::updateItemFieldWatchAction);
   disconnect(m_watch, &SoFieldWatch::listCleared, this, &SoFieldWatchState::listClearedSlot);
-  if (deleteAction() && commandManager()) disconnect(deleteAction(), &QAction::triggered, commandManager(), nullptr);
+  if (deleteAction() && commandManager())
+    disconnect(deleteAction(), &QAction::triggered, commandManager(), nullptr);
 }
 
 void SoFieldWatchState::updateItemFieldWatchAction(QTreeWidgetItem* current, QTreeWidgetItem*) {

@@ -26,7 +26,7 @@ SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoTreeViewState::SoTreeViewState(SoVantleTreeView* view) : m_view(view) {}
 SoTreeViewState::~SoTreeViewState() { SoVantleStateManager::stateUnregister(this); }
@@ -37,9 +37,9 @@ void SoTreeViewState::activate() {
   if (!frame || !commands) return;
   connect(m_view, &QTreeWidget::currentItemChanged, this, &SoTreeViewState::updateItemTreeViewAction);
   connect(frame->m_deleteAction, &QAction::triggered, commands, [commands] { commands->treeDeleteNode(); });
-  for (QAction* action : {frame->m_showAllReferencesAction, frame->m_hideAllReferencesAction,
-                          frame->m_nextReferenceAction, frame->m_previousReferenceAction,
-                          frame->m_ignoreEnableAction, frame->m_deleteAction}) {
+  for (QAction* action :
+       {frame->m_showAllReferencesAction, frame->m_hideAllReferencesAction, frame->m_nextReferenceAction,
+        frame->m_previousReferenceAction, frame->m_ignoreEnableAction, frame->m_deleteAction}) {
     action->setEnabled(false);
   }
   updateItemTreeViewAction(m_view->currentItem(), nullptr);
@@ -47,7 +47,8 @@ void SoTreeViewState::activate() {
 
 void SoTreeViewState::desactivate() {
   disconnect(m_view, &QTreeWidget::currentItemChanged, this, &SoTreeViewState::updateItemTreeViewAction);
-  if (mainFrame() && commandManager()) disconnect(mainFrame()->m_deleteAction, &QAction::triggered, commandManager(), nullptr);
+  if (mainFrame() && commandManager())
+    disconnect(mainFrame()->m_deleteAction, &QAction::triggered, commandManager(), nullptr);
 }
 
 void SoTreeViewState::updateItemTreeViewAction(QTreeWidgetItem* current, QTreeWidgetItem*) {
@@ -60,7 +61,8 @@ void SoTreeViewState::updateItemTreeViewAction(QTreeWidgetItem* current, QTreeWi
   frame->m_nextReferenceAction->setEnabled(shown);
   frame->m_previousReferenceAction->setEnabled(shown);
   SoNode const* const node = item->getNode();
-  bool const external = node && (node->isOfType(SoFile::getClassTypeId()) || node->isOfType(SoWWWInline::getClassTypeId()));
+  bool const external =
+      node && (node->isOfType(SoFile::getClassTypeId()) || node->isOfType(SoWWWInline::getClassTypeId()));
   frame->m_ignoreEnableAction->setEnabled(!item->baseKitPart() && item->parent() && !external);
   frame->m_deleteAction->setEnabled(true);
 }

@@ -25,7 +25,7 @@ bool write(QString const& key, QVariant const& value) {
   return settings->isWritable();
 }
 
-}  // namespace
+} // namespace
 
 QSettings* SoVantleConfig::getSettingsInterface() {
   if (!m_settings) m_settings = new QSettings(getOrganizationName(), getApplicationName());

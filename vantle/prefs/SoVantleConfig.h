@@ -23,10 +23,13 @@ class SoVantleConfig {
   static bool writeEntry(QString const& key, QString const& value);
   static bool writeEntry(QString const& key, QList<QString> const& value);
   /// A text literal is no boolean.
-  static bool writeEntry(QString const& key, char const* value) { return writeEntry(key, QString::fromUtf8(value)); }
+  static bool writeEntry(QString const& key, char const* value) {
+    return writeEntry(key, QString::fromUtf8(value));
+  }
 
   // `found` (may be null) tells whether the key is stored.
-  static QString readEntry(QString const& key, QString const& defaultValue = QString(), bool* found = nullptr);
+  static QString readEntry(QString const& key, QString const& defaultValue = QString(),
+                           bool* found = nullptr);
   static int readNumEntry(QString const& key, int defaultValue = 0, bool* found = nullptr);
   static double readDoubleEntry(QString const& key, double defaultValue = 0, bool* found = nullptr);
   static bool readBoolEntry(QString const& key, bool defaultValue = false, bool* found = nullptr);

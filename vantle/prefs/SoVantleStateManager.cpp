@@ -15,7 +15,7 @@ void report(char const* fault) {
   std::fflush(stdout);
 }
 
-}  // namespace
+} // namespace
 
 void SoVantleStateManager::init() {
   m_currentStateId.clear();

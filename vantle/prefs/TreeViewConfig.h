@@ -14,7 +14,8 @@ class TreeViewConfig {
   static void setSelectedNodeHighlighting(bool on, QString const& group);
   static bool showRealNodekitsCounter(QString const& group);
   static void setRealNodekitsCounter(bool on, QString const& group);
-  // Both stand fixed: rows follow the graph at once. The setters are kept for their callers and store nothing.
+  // Both stand fixed: rows follow the graph at once. The setters are kept for their callers and store
+  // nothing.
   static bool isDoubleBuffering(QString const& group);
   static void setDoubleBuffering(bool on, QString const& group);
   static int refreshingTime(QString const& group);

@@ -27,4 +27,4 @@ enum NodeCategory {
 /// The mask of all categories that nodes are given.
 inline constexpr int ALL_NODE_CATEGORIES = 16383;
 
-}  // namespace Vnt
+} // namespace Vnt

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kestrava/kits/SoBaseKit.h"
+#include "kestrava/kits/SoDragger.h"
 #include "kestrava/nodes/SoBackground.h"
 #include "kestrava/nodes/SoBaseColor.h"
 #include "kestrava/nodes/SoCallback.h"
@@ -14,7 +15,6 @@
 #include "kestrava/nodes/SoCoordinate3.h"
 #include "kestrava/nodes/SoCoordinate4.h"
 #include "kestrava/nodes/SoDirectionalLightManip.h"
-#include "kestrava/kits/SoDragger.h"
 #include "kestrava/nodes/SoDrawStyle.h"
 #include "kestrava/nodes/SoEventCallback.h"
 #include "kestrava/nodes/SoFont.h"
@@ -114,7 +114,7 @@ Vnt::NodeCategory classify(SoType type) {
 
 struct Names {
   Vnt::NodeCategory category;
-  char const* name;  // also that of the picture, in lower case
+  char const* name; // also that of the picture, in lower case
 };
 constexpr Names names[] = {
     {Vnt::Appearance, QT_TRANSLATE_NOOP("VntNodeInfo", "Appearance")},
@@ -144,7 +144,8 @@ char const* nameOf(Vnt::NodeCategory category) {
 
 QString resourceOf(Vnt::NodeCategory category) {
   char const* const name = nameOf(category);
-  return QStringLiteral(":/Vantle_icons/Icons/%1.png").arg(name ? QString::fromLatin1(name).toLower() : QStringLiteral("help"));
+  return QStringLiteral(":/Vantle_icons/Icons/%1.png")
+      .arg(name ? QString::fromLatin1(name).toLower() : QStringLiteral("help"));
 }
 
 /// Not destroyed at exit, when there may be no application any more.
@@ -153,9 +154,10 @@ QHash<int, QIcon>& icons() {
   return cache;
 }
 
-}  // namespace
+} // namespace
 
-VntNodeInfo::VntNodeInfo(SoNode* node) : m_node(node), m_category(category(node)), m_pixmap(pixmap(m_category)) {}
+VntNodeInfo::VntNodeInfo(SoNode* node)
+    : m_node(node), m_category(category(node)), m_pixmap(pixmap(m_category)) {}
 
 Vnt::NodeCategory VntNodeInfo::category(SoType type) {
   // Asked for every row of the tree: a type is sorted once.
@@ -180,22 +182,38 @@ QString VntNodeInfo::iconPath(Vnt::NodeCategory category) {
 
 QPixmap** VntNodeInfo::slot(Vnt::NodeCategory category) {
   switch (category) {
-    case Vnt::Unknown: return &m_unknownPixmap;
-    case Vnt::Appearance: return &m_appearancePixmap;
-    case Vnt::Callback: return &m_callbackPixmap;
-    case Vnt::Camera: return &m_cameraPixmap;
-    case Vnt::Group: return &m_groupPixmap;
-    case Vnt::Light: return &m_lightPixmap;
-    case Vnt::Manipulator: return &m_manipulatorPixmap;
-    case Vnt::Nodekit: return &m_nodekitPixmap;
-    case Vnt::Property: return &m_propertyPixmap;
-    case Vnt::Selection: return &m_selectionPixmap;
-    case Vnt::Separator: return &m_separatorPixmap;
-    case Vnt::Shape: return &m_shapePixmap;
-    case Vnt::Switch: return &m_switchPixmap;
-    case Vnt::Topology: return &m_topologyPixmap;
-    case Vnt::Transform: return &m_transformPixmap;
-    default: return nullptr;
+    case Vnt::Unknown:
+      return &m_unknownPixmap;
+    case Vnt::Appearance:
+      return &m_appearancePixmap;
+    case Vnt::Callback:
+      return &m_callbackPixmap;
+    case Vnt::Camera:
+      return &m_cameraPixmap;
+    case Vnt::Group:
+      return &m_groupPixmap;
+    case Vnt::Light:
+      return &m_lightPixmap;
+    case Vnt::Manipulator:
+      return &m_manipulatorPixmap;
+    case Vnt::Nodekit:
+      return &m_nodekitPixmap;
+    case Vnt::Property:
+      return &m_propertyPixmap;
+    case Vnt::Selection:
+      return &m_selectionPixmap;
+    case Vnt::Separator:
+      return &m_separatorPixmap;
+    case Vnt::Shape:
+      return &m_shapePixmap;
+    case Vnt::Switch:
+      return &m_switchPixmap;
+    case Vnt::Topology:
+      return &m_topologyPixmap;
+    case Vnt::Transform:
+      return &m_transformPixmap;
+    default:
+      return nullptr;
   }
 }
 

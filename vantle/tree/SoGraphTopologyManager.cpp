@@ -45,12 +45,24 @@ void SoGraphTopologyManager::graphTopologyChangedCB(void* data, SoSensor* sensor
   SoNode* const child = trigger->getTriggerChild();
   int const index = trigger->getTriggerChildIndex();
   switch (trigger->getTriggerType()) {
-    case SoNotification::UNSPECIFIED: manager->unspecified(node, trigger->getTriggerField(), path); return;
-    case SoNotification::CHILD_ADDED: manager->groupAddChild(node, child, index, path); return;
-    case SoNotification::CHILD_INSERTED: manager->groupInsertChild(node, child, index, path); return;
-    case SoNotification::CHILD_REPLACED: manager->replaceChild(node, child, path); return;
-    case SoNotification::CHILD_REMOVED: manager->groupRemoveChild(node, index, path); return;
-    case SoNotification::ALL_CHILDREN_REMOVED: manager->groupRemoveAllChildren(node, path); return;
+    case SoNotification::UNSPECIFIED:
+      manager->unspecified(node, trigger->getTriggerField(), path);
+      return;
+    case SoNotification::CHILD_ADDED:
+      manager->groupAddChild(node, child, index, path);
+      return;
+    case SoNotification::CHILD_INSERTED:
+      manager->groupInsertChild(node, child, index, path);
+      return;
+    case SoNotification::CHILD_REPLACED:
+      manager->replaceChild(node, child, path);
+      return;
+    case SoNotification::CHILD_REMOVED:
+      manager->groupRemoveChild(node, index, path);
+      return;
+    case SoNotification::ALL_CHILDREN_REMOVED:
+      manager->groupRemoveAllChildren(node, path);
+      return;
   }
 }
 
@@ -95,14 +107,15 @@ void SoGraphTopologyManager::groupRemoveAllChildren(SoNode* group, SoPath* path)
   refresh(path);
 }
 
-/// For a change at a node that has no rows: brings the rows of the deepest node above it that has some in line. False
-/// when the node has rows.
+/// For a change at a node that has no rows: brings the rows of the deepest node above it that has some in
+/// line. False when the node has rows.
 bool SoGraphTopologyManager::insertMissing(SoNode* group, SoPath* path) {
   if (m_references->findItem(group)) return false;
   if (!path) return true;
   SoNode* missing = nullptr;
   int index = -1;
-  if (SoTreeViewItem* deepest = m_view->getFirstExistingItemFromPath(path, missing, index)) redrawItemChildrens(deepest->getNode());
+  if (SoTreeViewItem* deepest = m_view->getFirstExistingItemFromPath(path, missing, index))
+    redrawItemChildrens(deepest->getNode());
   return true;
 }
 
@@ -110,9 +123,11 @@ void SoGraphTopologyManager::setItemsToTree(SoNode* parent, SoNode* child, int i
   SoChildList const* const children = parent->getChildren();
   int const count = children ? children->getLength() : 0;
   for (SoTreeViewItem* row : m_references->rowsOf(parent)) {
-    // The usual case first. A change made inside this change, or rows that were ignored, make the numbers differ.
-    bool const simple = row->childCount() == row->childCount(false) && row->childCount() + 1 == count && index >= 0 &&
-                        index < count && (*children)[index] == child && parent->isOfType(SoGroup::getClassTypeId());
+    // The usual case first. A change made inside this change, or rows that were ignored, make the numbers
+    // differ.
+    bool const simple = row->childCount() == row->childCount(false) && row->childCount() + 1 == count &&
+                        index >= 0 && index < count && (*children)[index] == child &&
+                        parent->isOfType(SoGroup::getClassTypeId());
     if (simple) {
       m_view->insertItem(child, row, nullptr, index);
     } else {
@@ -125,8 +140,9 @@ void SoGraphTopologyManager::takeItemsFromTree(SoNode* parent, int index) {
   SoChildList const* const children = parent->getChildren();
   int const count = children ? children->getLength() : 0;
   for (SoTreeViewItem* row : m_references->rowsOf(parent)) {
-    bool const simple = row->childCount() == row->childCount(false) && row->childCount() == count + 1 && index >= 0 &&
-                        index <= count && (index == count || row->rawChild(index)->getNode() != (*children)[index]);
+    bool const simple = row->childCount() == row->childCount(false) && row->childCount() == count + 1 &&
+                        index >= 0 && index <= count &&
+                        (index == count || row->rawChild(index)->getNode() != (*children)[index]);
     if (simple) {
       m_view->deleteRows(row, index, 1);
     } else {

@@ -13,8 +13,8 @@ class SoReferencedNodeManager;
 class SoTreeViewItem;
 class SoVantleTreeView;
 
-/// Keeps the rows in step with the scene graph: changes exactly the rows that a change concerns, at every place
-/// where they are shown. Works inside the change, so the graph is to be changed on the GUI thread.
+/// Keeps the rows in step with the scene graph: changes exactly the rows that a change concerns, at every
+/// place where they are shown. Works inside the change, so the graph is to be changed on the GUI thread.
 class SoGraphTopologyManager : public QObject {
   Q_OBJECT
  public:
@@ -52,7 +52,7 @@ class SoGraphTopologyManager : public QObject {
   void redrawItemChildrens(SoNode* node);
   void refresh(SoPath* path);
 
-  QTimer* m_timer;  // child of this
+  QTimer* m_timer; // child of this
   SoNodeSensor m_sensor;
   SoVantleTreeView* m_view;
   SoReferencedNodeManager* m_references;

@@ -12,7 +12,7 @@ std::size_t hashOf(SoNode const* node) {
   return static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15ull) >> 20);
 }
 
-}  // namespace
+} // namespace
 
 /// The slot that leads to a node's rows, or the empty one where it would stand.
 std::size_t SoNodeRowIndex::slotOf(SoNode const* node) const {
@@ -91,6 +91,7 @@ SoTreeViewItem* SoNodeRowIndex::find(SoNode const* node) const {
 std::vector<SoTreeViewItem*> SoNodeRowIndex::rows(SoNode const* node) const {
   std::vector<SoTreeViewItem*> found;
   SoTreeViewItem* const first = find(node);
-  for (SoTreeViewItem* row = first; row; row = row->m_nextSame == first ? nullptr : row->m_nextSame) found.push_back(row);
+  for (SoTreeViewItem* row = first; row; row = row->m_nextSame == first ? nullptr : row->m_nextSame)
+    found.push_back(row);
   return found;
 }

@@ -25,7 +25,7 @@ class SoNodeRowIndex {
   std::size_t slotOf(SoNode const* node) const;
   void grow();
 
-  std::vector<SoTreeViewItem*> m_table;  // open addressing, a power of two
+  std::vector<SoTreeViewItem*> m_table; // open addressing, a power of two
   std::size_t m_nodes = 0;
   int m_rowCount = 0;
 };

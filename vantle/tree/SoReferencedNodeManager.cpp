@@ -13,7 +13,7 @@ namespace {
 
 QString keyOf(SoNode const* node) { return QString::number(reinterpret_cast<quintptr>(node)); }
 
-}  // namespace
+} // namespace
 
 SoReferencedNodeManager::SoReferencedNodeManager(SoVantleTreeView* view, SoNode* root)
     : m_root(root), m_search(std::make_unique<SoSearchAction>()), m_view(view) {}
@@ -100,7 +100,9 @@ SoTreeViewItem* SoReferencedNodeManager::step(SoTreeViewItem* item, int directio
 }
 
 SoTreeViewItem* SoReferencedNodeManager::getNextRefItem(SoTreeViewItem* item) const { return step(item, 1); }
-SoTreeViewItem* SoReferencedNodeManager::getPreviousRefItem(SoTreeViewItem* item) const { return step(item, -1); }
+SoTreeViewItem* SoReferencedNodeManager::getPreviousRefItem(SoTreeViewItem* item) const {
+  return step(item, -1);
+}
 
 void SoReferencedNodeManager::searchAllReferencedItems(SoNode* node, QList<SoTreeViewItem*>& list) {
   if (!node || !m_root) return;
@@ -129,7 +131,8 @@ QString SoReferencedNodeManager::familyKey(SoTreeViewItem const* item) {
   return keyOf(item->getParentNode()) + QStringLiteral("+%1").arg(item->getSceneIndex());
 }
 
-void SoReferencedNodeManager::searchItemFamilies(SoNode* node, QList<QList<SoTreeViewItem*>*>& families) const {
+void SoReferencedNodeManager::searchItemFamilies(SoNode* node,
+                                                 QList<QList<SoTreeViewItem*>*>& families) const {
   QList<SoTreeViewItem*> items;
   getAllItems(node, items);
   std::map<QString, QList<SoTreeViewItem*>*> byKey;
@@ -154,11 +157,13 @@ void SoReferencedNodeManager::getDuplicatedItemsSets(SoTreeViewItem* item,
   if (item) searchItemFamilies(item->getNode(), families);
 }
 
-void SoReferencedNodeManager::getDuplicatedItemsSets(SoNode* node, QList<QList<SoTreeViewItem*>*>& families) const {
+void SoReferencedNodeManager::getDuplicatedItemsSets(SoNode* node,
+                                                     QList<QList<SoTreeViewItem*>*>& families) const {
   searchItemFamilies(node, families);
 }
 
-void SoReferencedNodeManager::getDuplicatedItemsSet(SoTreeViewItem* item, QList<SoTreeViewItem*>& rows) const {
+void SoReferencedNodeManager::getDuplicatedItemsSet(SoTreeViewItem* item,
+                                                    QList<SoTreeViewItem*>& rows) const {
   if (item) searchItemFamily(item->getNode(), item->getParentNode(), item->getSceneIndex(), rows);
 }
 

@@ -48,7 +48,8 @@ class SoReferencedNodeManager {
   void getDuplicatedItemsSets(SoTreeViewItem* item, QList<QList<SoTreeViewItem*>*>& families) const;
   void getDuplicatedItemsSets(SoNode* node, QList<QList<SoTreeViewItem*>*>& families) const;
   void getDuplicatedItemsSet(SoTreeViewItem* item, QList<SoTreeViewItem*>& rows) const;
-  void getDuplicatedItemsSet(SoNode* node, SoNode* parent, int sceneIndex, QList<SoTreeViewItem*>& rows) const;
+  void getDuplicatedItemsSet(SoNode* node, SoNode* parent, int sceneIndex,
+                             QList<SoTreeViewItem*>& rows) const;
   /// "1000+2": parent's address in decimal, scene index.
   static QString familyKey(SoTreeViewItem const* item);
 

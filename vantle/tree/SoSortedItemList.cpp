@@ -4,7 +4,9 @@
 
 #include "vantle/tree/SoTreeViewItem.h"
 
-bool SoSortedItemListElement::operator<(SoSortedItemListElement const& other) const { return *row < *other.row; }
+bool SoSortedItemListElement::operator<(SoSortedItemListElement const& other) const {
+  return *row < *other.row;
+}
 
 void SoSortedItemList::addRef(SoTreeViewItem* row) {
   m_elements.push_back({row});
@@ -22,7 +24,8 @@ void SoSortedItemList::removeRef(SoTreeViewItem* row) {
 
 void SoSortedItemList::sortList() {
   if (m_sorted) return;
-  // The rows' own order says nothing about rows of different depths; from above to below agrees with it where it does.
+  // The rows' own order says nothing about rows of different depths; from above to below agrees with it where
+  // it does.
   std::sort(m_elements.begin(), m_elements.end(),
             [](auto const& a, auto const& b) { return SoTreeViewItem::isAbove(a.row, b.row); });
   m_elements.erase(std::unique(m_elements.begin(), m_elements.end()), m_elements.end());

@@ -42,7 +42,7 @@ void appendBelow(std::vector<QTreeWidgetItem*>& items) {
   }
 }
 
-}  // namespace
+} // namespace
 
 SoTreeViewItem::SoTreeViewItem(QTreeWidget* view, SoNode* node, SoField* field, SoBaseKit* kit)
     : QTreeWidgetItem(view, TYPE), m_node(node), m_field(field) {
@@ -82,8 +82,8 @@ SoBaseKit* SoTreeViewItem::kitBelow() const {
   return m_node->isOfType(SoBaseKit::getClassTypeId()) ? static_cast<SoBaseKit*>(m_node) : getBaseKit();
 }
 
-/// What the kit answers for the part string of a node below this row. Found from the row's place: the kit itself would
-/// look through all entries of all its lists for every row.
+/// What the kit answers for the part string of a node below this row. Found from the row's place: the kit
+/// itself would look through all entries of all its lists for every row.
 SbName SoTreeViewItem::partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex) const {
   SoNodekitCatalog const& catalog = kit->getNodekitCatalog();
   if (field && field->getContainer() == kit) {
@@ -121,7 +121,8 @@ SoTreeViewItem::~SoTreeViewItem() {
   // Code that still meets the row on its way out passes over it.
   m_ignored = true;
   if (VntServicesImpl::isInstance()) {
-    if (SoCommandManager* commands = VntServicesImpl::getImplInstance()->getCommandManager()) commands->forgetItem(this);
+    if (SoCommandManager* commands = VntServicesImpl::getImplInstance()->getCommandManager())
+      commands->forgetItem(this);
   }
   leaveView();
   destroyChildren();
@@ -189,7 +190,8 @@ QVariant SoTreeViewItem::data(int column, int role) const {
     case Qt::UserRole:
       if (column == 0) return getSceneIndex();
       break;
-    default: break;
+    default:
+      break;
   }
   return QTreeWidgetItem::data(column, role);
 }
@@ -213,7 +215,8 @@ SbName SoTreeViewItem::partName() const {
   int const index = item->listEntry < 0 ? -1 : getSceneIndex();
   if (index >= 0 && index != item->listEntry) {
     std::string const& old = item->partName.str();
-    item->partName = SbName(old.substr(0, old.find('[') + 1) + std::to_string(index) + old.substr(old.find(']')));
+    item->partName =
+        SbName(old.substr(0, old.find('[') + 1) + std::to_string(index) + old.substr(old.find(']')));
     item->listEntry = index;
   }
   return item->partName;

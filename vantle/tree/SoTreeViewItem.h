@@ -19,17 +19,18 @@ struct SoTreeViewItemPrivate {
     SoBaseKitItemPrivate(SoBaseKit* kit, SbName const& part);
 
     SoBaseKit* baseKit;
-    SbName partName;      ///< empty: the node is no part of the kit
-    int partType = 0;     ///< 0 no part, 2 "topSeparator", 1 any other part
-    int partNumber = -1;  ///< in the kit's catalog
+    SbName partName;     ///< empty: the node is no part of the kit
+    int partType = 0;    ///< 0 no part, 2 "topSeparator", 1 any other part
+    int partNumber = -1; ///< in the kit's catalog
     bool isPart = false;
-    int listEntry = -1;  ///< for an entry of a list: the index that the name holds
+    int listEntry = -1; ///< for an entry of a list: the index that the name holds
   };
-  std::unique_ptr<SoBaseKitItemPrivate> kitItem;  ///< null outside of kits
+  std::unique_ptr<SoBaseKitItemPrivate> kitItem; ///< null outside of kits
 };
 
-/// A row of the scene tree: one place of one node. Holds no reference to the node. Rows show what the node says
-/// at the moment they are painted: nothing but the node's place is stored, so that a million of them fit.
+/// A row of the scene tree: one place of one node. Holds no reference to the node. Rows show what the node
+/// says at the moment they are painted: nothing but the node's place is stored, so that a million of them
+/// fit.
 class SoTreeViewItem : public QTreeWidgetItem {
  public:
   static constexpr int TYPE = QTreeWidgetItem::UserType + 1;
@@ -157,12 +158,12 @@ class SoTreeViewItem : public QTreeWidgetItem {
   bool m_inSceneGraph : 1 = true;
   bool m_showRef : 1 = false;
   mutable bool m_childrenNumbered : 1 = true;
-  bool m_filtered : 1 = false;  // the filter wants it hidden
-  bool m_hidden : 1 = false;    // the filter has hidden it in the view
-  bool m_hasRowsOutOfScene : 1 = false;  // some child is not in the scene graph
+  bool m_filtered : 1 = false;          // the filter wants it hidden
+  bool m_hidden : 1 = false;            // the filter has hidden it in the view
+  bool m_hasRowsOutOfScene : 1 = false; // some child is not in the scene graph
   SoNode* m_node;
   SoField* m_field;
-  std::unique_ptr<SoTreeViewItemPrivate> m_private;  // only below a kit
+  std::unique_ptr<SoTreeViewItemPrivate> m_private; // only below a kit
   // The ring of all rows of this node, see SoNodeRowIndex.
   SoTreeViewItem* m_nextSame = nullptr;
   SoTreeViewItem* m_previousSame = nullptr;

@@ -105,7 +105,7 @@ int SoTreeViewItem::getSceneIndex() const {
 }
 
 void SoTreeViewItem::setSceneIndex(int index) {
-  getSceneIndex();  // numbers that are still due do not overwrite this one later
+  getSceneIndex(); // numbers that are still due do not overwrite this one later
   m_sceneIndex = index;
 }
 

@@ -16,9 +16,9 @@
 namespace {
 
 char const styleText[] = R"(
-QTreeView { show-decoration-selected: 0; }
+QTreeView { show-decoration-selected: 0; outline: 0; }
 QTreeView::item { height: 27px; border: none; }
-QTreeView::item:hover {
+QTreeView::item:hover, QTreeView::branch:hover {
   background: qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1, stop: 0 #e7effd, stop: 1 #cbdaf1);
 }
 QTreeView::item:selected:active, QTreeView::branch:selected:active {
@@ -42,7 +42,7 @@ constexpr int MAX_NAME_WIDTH = 400;
 /// Of deeper rows the innermost levels are drawn: more than fit in a view.
 constexpr int MAX_DRAWN_LEVELS = 100;
 
-}  // namespace
+} // namespace
 
 SoVantleTreeView::SoVantleTreeView(QWidget* parent, char const* name)
     : QTreeWidget(parent),
@@ -86,7 +86,9 @@ SoVantleTreeView::~SoVantleTreeView() {
 
 void SoVantleTreeView::setScene(SoNode*) { Q_EMIT newSceneGraph(); }
 
-SoSelection* SoVantleTreeView::getGraphSelection() const { return static_cast<SoSelection*>(m_selection.get()); }
+SoSelection* SoVantleTreeView::getGraphSelection() const {
+  return static_cast<SoSelection*>(m_selection.get());
+}
 
 void SoVantleTreeView::setGraphSelection(SoSelection* selection) {
   SoSelectionPathCB* const callback = &SoVantleTreeView::showSelectedPath;
@@ -118,8 +120,8 @@ void SoVantleTreeView::showInOverview(SoTreeViewItem* item) {
 }
 
 void SoVantleTreeView::refreshItem(SoTreeViewItem* item) {
-  // Panels follow their nodes themselves; filling them anew would take a value from under the user's hands. The
-  // highlight is a path and has to be made anew.
+  // Panels follow their nodes themselves; filling them anew would take a value from under the user's hands.
+  // The highlight is a path and has to be made anew.
   if (item == currentItem() && isAutoHighlight() && (!item->fromSubTreeField() || item->baseKitPart())) {
     highlightPath(item);
   }
@@ -130,7 +132,7 @@ void SoVantleTreeView::showItem(SoTreeViewItem* item) {
   ensureItemOpen(item);
   setCurrentItem(item);
   scrollToItem(item);
-  resizeAllColumns();  // what is in sight now may be wider
+  resizeAllColumns(); // what is in sight now may be wider
 }
 
 void SoVantleTreeView::expandAll(QTreeWidgetItem* item) {
@@ -171,7 +173,8 @@ void SoVantleTreeView::scrollTo(QModelIndex const& index, ScrollHint hint) {
 
 /// Opens rows that are given from the innermost outwards.
 void SoVantleTreeView::openAll(std::vector<QModelIndex> const& rows) {
-  if (std::all_of(rows.begin(), rows.end(), [this](QModelIndex const& row) { return isExpanded(row); })) return;
+  if (std::all_of(rows.begin(), rows.end(), [this](QModelIndex const& row) { return isExpanded(row); }))
+    return;
   m_batch = true;
   // With a layout due anyway, expanding a row only notes it.
   scheduleDelayedItemsLayout();
@@ -201,7 +204,8 @@ void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModel
 
 void SoVantleTreeView::ensureItemOpen(QTreeWidgetItem* item) {
   std::vector<QModelIndex> above;
-  for (QTreeWidgetItem* up = item ? item->parent() : nullptr; up; up = up->parent()) above.push_back(indexFromItem(up));
+  for (QTreeWidgetItem* up = item ? item->parent() : nullptr; up; up = up->parent())
+    above.push_back(indexFromItem(up));
   if (above.size() <= std::size_t{MAX_OPEN_DEPTH}) openAll(above);
 }
 
@@ -213,7 +217,8 @@ void SoVantleTreeView::resizeAllColumns() {
 
 void SoVantleTreeView::resetReferences() {
   for (QTreeWidgetItemIterator it(this); *it; ++it) {
-    if (SoTreeViewItem* item = SoTreeViewItem::cast(*it); item && item->showRefImage()) item->setShowRefImage(false);
+    if (SoTreeViewItem* item = SoTreeViewItem::cast(*it); item && item->showRefImage())
+      item->setShowRefImage(false);
   }
   m_references->reset();
 }

@@ -32,7 +32,7 @@ class SoVantleTreeView : public QTreeWidget {
   /// More rows than this are not built; what is missing is posted as an error.
   static constexpr int MAX_ROWS = 10'000'000;
   /// Deeper rows are not opened unless the user opens each: the base class needs stack for every open level.
-  static constexpr int MAX_OPEN_DEPTH = 4000;
+  static constexpr int MAX_OPEN_DEPTH = 1000;
 
   explicit SoVantleTreeView(QWidget* parent = nullptr, char const* name = nullptr);
   ~SoVantleTreeView() override;
@@ -85,6 +85,8 @@ class SoVantleTreeView : public QTreeWidget {
   static void showSelectedPath(void* view, SoPath* path);
   void showSelectedPath(SoPath* path);
   void highlightPath(SoTreeViewItem* item);
+  /// Whether selecting a row is to select its node in the 3D view; settled when the library is loaded.
+  static bool isAutoHighlight();
   void setPickAction(SbViewportRegion const& region, SbVec2s position, SoNode* root);
   void setSuppressHighlight(bool on) { m_suppressHighlight = on; }
   /// Whether a row that becomes current is shown in the node overview.
@@ -93,6 +95,10 @@ class SoVantleTreeView : public QTreeWidget {
 
   void expandAll(QTreeWidgetItem* item);
   void scrollTo(QModelIndex const& index, ScrollHint hint = EnsureVisible) override;
+  /// The base class's own does not come by scrollTo().
+  void scrollToItem(QTreeWidgetItem const* item, ScrollHint hint = EnsureVisible) {
+    scrollTo(indexFromItem(item), hint);
+  }
   /// Expands every row above the item.
   void ensureItemOpen(QTreeWidgetItem* item);
   /// Makes a row current and shows it.
@@ -172,7 +178,6 @@ class SoVantleTreeView : public QTreeWidget {
   void showReference(SoTreeViewItem* item);
   void openAll(std::vector<QModelIndex> const& rows);
   void showInOverview(SoTreeViewItem* item);
-  static bool isAutoHighlight();
   /// A row becomes current because of a pick in the 3D view.
   static bool isPicking();
   void markFiltered(SoTreeViewItem* top);
@@ -189,17 +194,17 @@ class SoVantleTreeView : public QTreeWidget {
   std::unique_ptr<SoReferencedNodeManager> m_references;
   std::unique_ptr<SoGraphTopologyManager> m_topology;
   std::unique_ptr<SoTreeViewState> m_state;
-  SoRef<SoNode> m_selection;  // an SoSelection
+  SoRef<SoNode> m_selection; // an SoSelection
   bool m_followInOverview = true;
   bool m_suppressHighlight = false;
   bool m_inSelectedPath = false;
   bool m_spaceHeld = false;
   bool m_loading = false;
-  bool m_batch = false;  // many rows open: the columns are fitted once, at the end
+  bool m_batch = false; // many rows open: the columns are fitted once, at the end
   bool m_limitReported = false;
-  bool m_anyFiltered = false;  // the filter wants some category hidden
-  bool m_everHidden = false;   // it has hidden rows of this tree
+  bool m_anyFiltered = false; // the filter wants some category hidden
+  bool m_everHidden = false;  // it has hidden rows of this tree
   int m_filter = Vnt::ALL_NODE_CATEGORIES;
   Qt::MouseButton m_lastButton = Qt::NoButton;
-  QPoint m_lastReleasePos;  // on the screen
+  QPoint m_lastReleasePos; // on the screen
 };

@@ -35,7 +35,7 @@ SoBaseKit* kitOf(SoNode* node) {
   return node->isOfType(SoBaseKit::getClassTypeId()) ? static_cast<SoBaseKit*>(node) : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 bool SoVantleTreeView::isAutoHighlight() { return autoHighlight; }
 
@@ -70,7 +70,8 @@ void SoVantleTreeView::fieldChildrenOf(SoNode* node, std::vector<ChildNode>& chi
 
 void SoVantleTreeView::childrenOf(SoNode* node, std::vector<ChildNode>& children) {
   bool const group = node->isOfType(SoGroup::getClassTypeId());
-  bool const loadsChildren = !group && (node->isOfType(SoFile::getClassTypeId()) || node->isOfType(SoWWWInline::getClassTypeId()));
+  bool const loadsChildren =
+      !group && (node->isOfType(SoFile::getClassTypeId()) || node->isOfType(SoWWWInline::getClassTypeId()));
   if (!group && !loadsChildren && !launchedByHost && !showInternalChildren) {
     fieldChildrenOf(node, children);
     return;
@@ -78,7 +79,8 @@ void SoVantleTreeView::childrenOf(SoNode* node, std::vector<ChildNode>& children
   SoChildList const* const list = node->getChildren();
   if (!list) return;
   // The first child of an inline is its own affair.
-  int const first = !showInternalChildren && loadsChildren && node->isOfType(SoWWWInline::getClassTypeId()) ? 1 : 0;
+  int const first =
+      !showInternalChildren && loadsChildren && node->isOfType(SoWWWInline::getClassTypeId()) ? 1 : 0;
   for (int i = first; i < list->getLength(); ++i) children.push_back({(*list)[i], nullptr});
 }
 
@@ -94,7 +96,8 @@ void SoVantleTreeView::buildBelow(SoTreeViewItem* top) {
     if (children.empty()) continue;
     if (m_references->rowCount() + static_cast<int>(children.size()) > MAX_ROWS) {
       if (!std::exchange(m_limitReported, true)) {
-        SoDebugError::post("SoVantleTreeView", "the scene has more than %d places; the rest is not shown", MAX_ROWS);
+        SoDebugError::post("SoVantleTreeView", "the scene has more than %d places; the rest is not shown",
+                           MAX_ROWS);
       }
       return;
     }
@@ -111,14 +114,16 @@ void SoVantleTreeView::buildBelow(SoTreeViewItem* top) {
   }
 }
 
-SoTreeViewItem* SoVantleTreeView::makeRows(SoNode* node, SoTreeViewItem* parent, SoField* field, int sceneIndex) {
+SoTreeViewItem* SoVantleTreeView::makeRows(SoNode* node, SoTreeViewItem* parent, SoField* field,
+                                           int sceneIndex) {
   auto* const row = new SoTreeViewItem(node, field, parent, sceneIndex);
   m_references->addItem(row);
   buildBelow(row);
   return row;
 }
 
-SoTreeViewItem* SoVantleTreeView::insertItem(SoNode* node, SoTreeViewItem* parent, SoField* field, int index) {
+SoTreeViewItem* SoVantleTreeView::insertItem(SoNode* node, SoTreeViewItem* parent, SoField* field,
+                                             int index) {
   if (!node) return nullptr;
   int const count = parent ? parent->childCount() : topLevelItemCount();
   int position = index < 0 ? count : std::min(index, count);
@@ -208,7 +213,8 @@ void SoVantleTreeView::rebuildItemChildren(SoTreeViewItem* item) {
   std::vector<ChildNode> children;
   childrenOf(item->m_node, children);
   QList<QTreeWidgetItem*> rows;
-  for (ChildNode const& child : children) rows.append(makeRows(child.node, item, child.field, static_cast<int>(rows.size())));
+  for (ChildNode const& child : children)
+    rows.append(makeRows(child.node, item, child.field, static_cast<int>(rows.size())));
   item->addChildren(rows);
   for (QTreeWidgetItem* row : rows) markFiltered(static_cast<SoTreeViewItem*>(row));
 }
@@ -222,7 +228,7 @@ void SoVantleTreeView::checkNodeFields(SoNode* node, SoTreeViewItem* item) {
 bool SoVantleTreeView::updateItemChildren(SoTreeViewItem* item) {
   std::vector<ChildNode> wanted;
   childrenOf(item->m_node, wanted);
-  std::vector<SoTreeViewItem*> rows;  // those in the scene
+  std::vector<SoTreeViewItem*> rows; // those in the scene
   for (int i = 0, n = item->childCount(); i < n; ++i) {
     SoTreeViewItem* const row = item->rawChild(i);
     if (row->m_inSceneGraph && !row->m_ignored) {
@@ -230,7 +236,9 @@ bool SoVantleTreeView::updateItemChildren(SoTreeViewItem* item) {
       continue;
     }
     // A node that the user has set to ignored keeps this row; when it comes back it gets no second one.
-    auto const same = [row](ChildNode const& child) { return child.node == row->m_node && child.field == row->m_field; };
+    auto const same = [row](ChildNode const& child) {
+      return child.node == row->m_node && child.field == row->m_field;
+    };
     auto const found = std::find_if(wanted.begin(), wanted.end(), same);
     if (found != wanted.end()) wanted.erase(found);
   }
@@ -244,7 +252,8 @@ bool SoVantleTreeView::updateItemChildren(SoTreeViewItem* item) {
   while (oldEnd > head && newEnd > head && equal(rows[oldEnd - 1], wanted[newEnd - 1])) --oldEnd, --newEnd;
   if (head == oldEnd && head == newEnd) return false;
 
-  if (head == 0 && newEnd == 0 && rows.size() == static_cast<std::size_t>(item->childCount()) && wanted.empty()) {
+  if (head == 0 && newEnd == 0 && rows.size() == static_cast<std::size_t>(item->childCount()) &&
+      wanted.empty()) {
     deleteRows(item, 0, item->childCount());
     return true;
   }
@@ -275,7 +284,9 @@ void SoVantleTreeView::initTree(SoNode* root) {
 }
 
 SoTreeViewItem* SoVantleTreeView::firstChild() const { return SoTreeViewItem::cast(topLevelItem(0)); }
-SoTreeViewItem* SoVantleTreeView::currentItem() const { return SoTreeViewItem::cast(QTreeWidget::currentItem()); }
+SoTreeViewItem* SoVantleTreeView::currentItem() const {
+  return SoTreeViewItem::cast(QTreeWidget::currentItem());
+}
 SoTreeViewItem* SoVantleTreeView::itemAt(QPoint const& pos) const {
   return SoTreeViewItem::cast(QTreeWidget::itemAt(pos));
 }

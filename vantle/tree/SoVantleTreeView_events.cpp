@@ -23,7 +23,7 @@ SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 void SoVantleTreeView::onItemClicked(QTreeWidgetItem* clicked, int column) {
   SoTreeViewItem* const item = SoTreeViewItem::cast(clicked);
@@ -46,7 +46,8 @@ void SoVantleTreeView::focusInEvent(QFocusEvent* event) {
 bool SoVantleTreeView::eventFilter(QObject* watched, QEvent* event) {
   // The 3D view belongs to the tree: what the shared actions do there they do to rows.
   bool const own = watched == this || watched == viewport() || isAncestorOf(qobject_cast<QWidget*>(watched));
-  if (!own && event->type() == QEvent::FocusIn) SoVantleStateManager::setCurrentState(QStringLiteral("TreeViewState"));
+  if (!own && event->type() == QEvent::FocusIn)
+    SoVantleStateManager::setCurrentState(QStringLiteral("TreeViewState"));
   return QTreeWidget::eventFilter(watched, event);
 }
 
@@ -97,5 +98,6 @@ QString SoVantleTreeView::referencePageName(QString const& typeName) {
 
 void SoVantleTreeView::openReferencePage(SoTreeViewItem* item) {
   QString const page = referencePageName(toQString(item->getNode()->getTypeId().getName().toString()));
-  QDesktopServices::openUrl(QUrl(VantleManual::page(QLatin1String(CLASS_PAGES) + page + QLatin1String(".html"))));
+  QDesktopServices::openUrl(
+      QUrl(VantleManual::page(QLatin1String(CLASS_PAGES) + page + QLatin1String(".html"))));
 }

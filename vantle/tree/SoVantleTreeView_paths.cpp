@@ -1,10 +1,10 @@
 #include "kestrava/actions/SoRayPickAction.h"
-#include "kestrava/render/SoSceneManager.h"
 #include "kestrava/base/SbViewportRegion.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoSelection.h"
 #include "kestrava/nodes/SoWWWInline.h"
+#include "kestrava/render/SoSceneManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr float PICK_RADIUS = 5.0f;  // pixels, without services to ask
+constexpr float PICK_RADIUS = 5.0f; // pixels, without services to ask
 
 bool isInline(SoNode const* node) { return node->isOfType(SoWWWInline::getClassTypeId()); }
 
@@ -23,7 +23,7 @@ bool isSelectionAllowed() {
   return !VntServicesImpl::isInstance() || VntServicesImpl::getImplInstance()->isSelectionAllowed();
 }
 
-}  // namespace
+} // namespace
 
 bool SoVantleTreeView::isPicking() {
   return SoVantleViewer::isInstance() && SoVantleViewer::getInstance()->getMode() == 1;
@@ -62,7 +62,8 @@ SoTreeViewItem* SoVantleTreeView::getItemFromPath(SoPath const* path, int from) 
   return missing ? nullptr : item;
 }
 
-SoTreeViewItem* SoVantleTreeView::getFirstExistingItemFromPath(SoPath const* path, SoNode*& node, int& index) const {
+SoTreeViewItem* SoVantleTreeView::getFirstExistingItemFromPath(SoPath const* path, SoNode*& node,
+                                                               int& index) const {
   int position = 0;
   node = nullptr;
   index = -1;
@@ -70,7 +71,8 @@ SoTreeViewItem* SoVantleTreeView::getFirstExistingItemFromPath(SoPath const* pat
 }
 
 /// From the root row, which shows the path's node at a position, as deep as rows exist.
-SoTreeViewItem* SoVantleTreeView::followPath(SoPath const* path, int position, SoNode*& missing, int& index) const {
+SoTreeViewItem* SoVantleTreeView::followPath(SoPath const* path, int position, SoNode*& missing,
+                                             int& index) const {
   SoTreeViewItem* row = firstChild();
   for (int i = position + 1; i < path->getLength(); ++i) {
     SoTreeViewItem* const next = childRowOf(row, path->getNode(i), path->getIndex(i));
@@ -116,7 +118,8 @@ SoPath* SoVantleTreeView::getPathFromItem(SoTreeViewItem* item) const {
 
 void SoVantleTreeView::highlightPath(SoTreeViewItem* item) {
   SoSelection* const selection = getGraphSelection();
-  if (!selection || m_suppressHighlight) return;
+  // The root row is made current by every new scene: nobody wants to see that scene all marked.
+  if (!selection || m_suppressHighlight || m_loading) return;
   SoPath* const path = getPathFromItem(item);
   if (!path) return;
   if (isSelectionAllowed()) {
@@ -149,9 +152,11 @@ void SoVantleTreeView::showSelectedPath(SoPath* path) {
 void SoVantleTreeView::setPickAction(SbViewportRegion const& region, SbVec2s position, SoNode* root) {
   SoRayPickAction pick(region);
   pick.setPoint(position);
-  pick.setRadius(VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getPickRadius() : PICK_RADIUS);
+  pick.setRadius(VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getPickRadius()
+                                               : PICK_RADIUS);
   // The camera that the user looks through may stand outside of the scene.
-  SoSceneManager const* const manager = VntServicesImpl::isInstance() ? VntServices::getInstance()->getSceneManager() : nullptr;
+  SoSceneManager const* const manager =
+      VntServicesImpl::isInstance() ? VntServices::getInstance()->getSceneManager() : nullptr;
   if (manager) pick.setCamera(manager->getCamera());
   pick.apply(root);
   SoPickedPoint const* const point = pick.getPickedPoint();

@@ -12,11 +12,11 @@
 
 namespace {
 
-/// Up to here the view hides every filtered row at once. Hiding costs memory a row, so of larger trees only rows that
-/// stand below open ones are hidden, the others when theirs is opened.
+/// Up to here the view hides every filtered row at once. Hiding costs memory a row, so of larger trees only
+/// rows that stand below open ones are hidden, the others when theirs is opened.
 constexpr int SMALL_TREE = 20'000;
 
-}  // namespace
+} // namespace
 
 SoTreeViewItem* SoVantleTreeView::itemBelowInTree(SoTreeViewItem* item) {
   if (SoTreeViewItem* child = item->firstChild()) return child;
@@ -75,7 +75,8 @@ void SoVantleTreeView::markFiltered(SoTreeViewItem* top) {
   hideIn(above, top->row(), top->row() + 1, all);
 }
 
-/// Hides or shows rows of a parent in the view, and what stands below those that are open (or below all of them).
+/// Hides or shows rows of a parent in the view, and what stands below those that are open (or below all of
+/// them).
 void SoVantleTreeView::hideIn(QModelIndex const& parent, int first, int end, bool all) {
   struct Run {
     QModelIndex parent;
@@ -94,7 +95,8 @@ void SoVantleTreeView::hideIn(QModelIndex const& parent, int first, int end, boo
         row->m_hidden = row->m_filtered;
         m_everHidden |= row->m_hidden;
       }
-      if (int const count = row->childCount(); count > 0 && (all || isExpanded(index))) runs.push_back({index, 0, count});
+      if (int const count = row->childCount(); count > 0 && (all || isExpanded(index)))
+        runs.push_back({index, 0, count});
     }
   }
 }
@@ -155,11 +157,16 @@ SoTreeViewItem* SoVantleTreeView::find(int mode, QString const& text, int flags)
   auto const matches = [&](SoTreeViewItem const* item) {
     SoNode const* const node = item->m_node;
     switch (mode) {
-      case FIND_TYPE: return nameFits(node->getTypeId().getName());
-      case FIND_NAME: return nameFits(item->getNodeName());
-      case FIND_ADDRESS: return fits(QStringLiteral("0x") + QString::number(reinterpret_cast<quintptr>(node), 16));
-      case FIND_ID: return fits(QString::number(node->getNodeId()));
-      default: return false;
+      case FIND_TYPE:
+        return nameFits(node->getTypeId().getName());
+      case FIND_NAME:
+        return nameFits(item->getNodeName());
+      case FIND_ADDRESS:
+        return fits(QStringLiteral("0x") + QString::number(reinterpret_cast<quintptr>(node), 16));
+      case FIND_ID:
+        return fits(QString::number(node->getNodeId()));
+      default:
+        return false;
     }
   };
 

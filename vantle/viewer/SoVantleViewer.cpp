@@ -7,6 +7,7 @@
 #include "kestrava/base/SoPreferences.h"
 #include "kestrava/nodes/SoSelection.h"
 #include "kestrava/render/SoGuiRenderArea.h"
+#include "kestrava/render/SoHighlightRenderAction.h"
 #include "kestrava/render/SoSceneManager.h"
 #include "kestrava_qt/SoQtExaminerViewer.h"
 #include "vantle/frame/SoCommandManager.h"
@@ -59,11 +60,15 @@ SoVantleViewer::SoVantleViewer() {
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   SoVantleMainFrame* const frame = mainFrame();
   if (services->isStandaloneApplication()) makeExaminer();
+  if (!SoPreferences::getBool("PLX_LAUNCH_VANTLE", false)) chooseHighlight();
 
   m_highlightOff = !TreeViewConfig::highlightSelectedNode(SoVantleTreeView::getTreeViewPreferencesPath());
   m_selection = new SoSelection;
   m_selection->policy.setValue(SoSelection::SINGLE);
-  if (!isHostLaunched()) services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
+  if (!isHostLaunched()) {
+    if (m_highlight) m_highlight->setVisible(!m_highlightOff);
+    services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
+  }
 
   m_treeView = new SoVantleTreeView(frame);
   if (m_examiner) {
@@ -110,6 +115,22 @@ QDockWidget* SoVantleViewer::makeDock(char const* name, QString const& title, Qt
   return dock;
 }
 
+void SoVantleViewer::chooseHighlight() {
+  SbString const mode = SoPreferences::getString("VANTLE_HIGHLIGHTING_MODE", "LINE");
+  if (mode == "HALO") {
+    auto halo = std::make_unique<SoHaloHighlightRenderAction>();
+    halo->setHaloAlwaysVisible(true);
+    m_highlight = std::move(halo);
+  } else if (mode == "BOX") {
+    m_highlight = std::make_unique<SoBoxHighlightRenderAction>();
+  } else {
+    m_highlight = std::make_unique<SoLineHighlightRenderAction>();
+  }
+  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+  SoSceneManager* const manager = services->getSceneManager();
+  if (services->isStandaloneApplication() && manager) manager->setGLRenderAction(m_highlight.get());
+}
+
 void SoVantleViewer::makeExaminer() {
   auto* dock = new QDockWidget(tr("Kestrava Scenoscope"), mainFrame());
   // As the central widget it can neither be moved nor brought back once closed.
@@ -146,6 +167,8 @@ void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s posit
   m_mode = 1;
   m_treeView->setPickAction(region, position, root);
   m_mode = 0;
+  // The pick did not come from a selection: what was found is marked now.
+  if (SoVantleTreeView::isAutoHighlight()) m_treeView->highlightPath(m_treeView->currentItem());
 }
 
 // Window settings.

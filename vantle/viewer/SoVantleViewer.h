@@ -13,6 +13,7 @@ class QWidget;
 class SoError;
 class SoInput;
 class SoNode;
+class SoHighlightRenderAction;
 class SoQtExaminerViewer;
 class SoSelection;
 class SoVantleEdition;
@@ -82,6 +83,7 @@ class SoVantleViewer : public QObject {
   SoVantleMainFrame* mainFrame() const;
   QDockWidget* makeDock(char const* name, QString const& title, Qt::DockWidgetArea area);
   void makeExaminer();
+  void chooseHighlight();
   void setFileName(QString const& name);
   QString saveQuestion() const;
   void detectExternalScenes(SoNode* node);
@@ -96,6 +98,7 @@ class SoVantleViewer : public QObject {
   std::unique_ptr<QString> m_readError;
   int m_mode = 0;
   bool m_highlightOff = false;
+  std::unique_ptr<SoHighlightRenderAction> m_highlight;  // outlives the examiner, which draws with it
   std::unique_ptr<SoQtExaminerViewer> m_examiner;
   SoVantleTreeView* m_treeView = nullptr; // its dock's, or the main frame's
   QDockWidget* m_treeDock = nullptr;      // null when attached

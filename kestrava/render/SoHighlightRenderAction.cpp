@@ -1,0 +1,267 @@
+#include "kestrava/render/SoHighlightRenderAction.h"
+
+#include <epoxy/gl.h>
+
+#include <cmath>
+#include <cstring>
+#include <numbers>
+#include <unordered_set>
+
+#include "kestrava/actions/SoCallbackAction.h"
+#include "kestrava/actions/SoGetBoundingBoxAction.h"
+#include "kestrava/actions/SoSearchAction.h"
+#include "kestrava/nodes/SoSelection.h"
+#include "kestrava/nodes/SoShape.h"
+#include "kestrava/render/SoGLProgram.h"
+#include "kestrava/render/SoGLState.h"
+
+namespace {
+
+// Beyond this the edges would cover the shapes and take seconds to gather.
+constexpr size_t MAX_EDGES = 2'000'000;
+
+// A little towards the eye, so that edges win against the faces they lie on.
+char const* const VERTEX = R"(#version 330 core
+uniform mat4 viewProjection;
+uniform vec2 shift;
+uniform float nearer;
+in vec3 position;
+void main() {
+  gl_Position = viewProjection * vec4(position, 1.0);
+  gl_Position.xy += shift * gl_Position.w;
+  gl_Position.z -= nearer * gl_Position.w;
+}
+)";
+
+char const* const FRAGMENT = R"(#version 330 core
+uniform vec3 color;
+out vec4 result;
+void main() { result = vec4(color, 1.0); }
+)";
+
+struct Edge {
+  SbVec3f a, b;
+  friend bool operator==(Edge const& x, Edge const& y) { return x.a == y.a && x.b == y.b; }
+};
+struct EdgeHash {
+  size_t operator()(Edge const& edge) const {
+    size_t hash = 1469598103934665603u;
+    std::uint32_t words[6];
+    std::memcpy(words, &edge, sizeof words);
+    for (std::uint32_t word : words) hash = (hash ^ word) * 1099511628211u;
+    return hash;
+  }
+};
+
+bool isBefore(SbVec3f const& a, SbVec3f const& b) {
+  for (int i = 0; i < 3; ++i) {
+    if (a[i] != b[i]) return a[i] < b[i];
+  }
+  return false;
+}
+
+struct Gathering {
+  std::vector<SbVec3f>* lines;
+  std::vector<SbVec3f>* triangles;  // null: edges are wanted
+  std::unordered_set<Edge, EdgeHash> edges;
+
+  void addEdge(SbVec3f const& a, SbVec3f const& b) {
+    if (edges.size() >= MAX_EDGES) return;
+    // An edge stands in two triangles; it is drawn once.
+    if (edges.insert(isBefore(a, b) ? Edge{a, b} : Edge{b, a}).second) lines->insert(lines->end(), {a, b});
+  }
+};
+
+}  // namespace
+
+void SoHighlightRenderAction::gatherPrimitives(SoPath& path, Mark& mark, bool asEdges) {
+  Gathering gathering{&mark.lines, asEdges ? nullptr : &mark.triangles, {}};
+  SoCallbackAction action(getViewportRegion());
+  action.addTriangleCallback(
+      SoShape::getClassTypeId(),
+      [](void* data, SoCallbackAction* walk, SoPrimitiveVertex const& a, SoPrimitiveVertex const& b,
+         SoPrimitiveVertex const& c) {
+        auto& g = *static_cast<Gathering*>(data);
+        SbMatrix const& matrix = walk->getModelMatrix();
+        SbVec3f const corner[] = {matrix.multVecMatrix(a.point), matrix.multVecMatrix(b.point),
+                                  matrix.multVecMatrix(c.point)};
+        if (g.triangles) {
+          g.triangles->insert(g.triangles->end(), corner, corner + 3);
+          return;
+        }
+        for (int i = 0; i < 3; ++i) g.addEdge(corner[i], corner[(i + 1) % 3]);
+      },
+      &gathering);
+  action.addLineSegmentCallback(
+      SoShape::getClassTypeId(),
+      [](void* data, SoCallbackAction* walk, SoPrimitiveVertex const& a, SoPrimitiveVertex const& b) {
+        SbMatrix const& matrix = walk->getModelMatrix();
+        static_cast<Gathering*>(data)->addEdge(matrix.multVecMatrix(a.point), matrix.multVecMatrix(b.point));
+      },
+      &gathering);
+  action.apply(&path);
+}
+
+// The selection does not notify, so its paths are compared for every frame; they are few.
+void SoHighlightRenderAction::update(SoNode* root) {
+  std::vector<SoRef<SoPath>> selected;
+  std::vector<Step> shown;
+  auto const add = [&](SoPath& above) {
+    auto* const selection = static_cast<SoSelection*>(above.getTail());
+    for (int i = 0; i < selection->getNumSelected(); ++i) {
+      SoRef<SoPath> const below = selection->getPath(i);
+      SoRef<SoPath> const whole(above.copy());
+      for (int k = 1; k < below->getLength(); ++k) whole->appendNode(below->getNode(k), below->getIndex(k));
+      for (int k = 0; k < whole->getLength(); ++k) shown.emplace_back(whole->getNode(k), whole->getIndex(k));
+      selected.push_back(whole);
+    }
+  };
+  if (root->isOfType(SoSelection::getClassTypeId())) {
+    SoRef<SoPath> const above(new SoPath(root));
+    add(*above);
+  } else {
+    SoSearchAction search;
+    search.setType(SoSelection::getClassTypeId());
+    search.setInterest(SoSearchAction::ALL);
+    search.apply(root);
+    for (auto const& found : search.getPaths()) add(*found);
+  }
+  if (m_shownId == root->getNodeId() && m_shown == shown) return;
+  m_shownId = root->getNodeId();
+  m_shown = std::move(shown);
+  m_mark = Mark();
+  for (auto const& path : selected) gather(*path, m_mark);
+  m_uploaded = false;
+}
+
+void SoHighlightRenderAction::visit(SoNode* root) {
+  SoGLRenderAction::visit(root);
+  if (!m_visible) return;
+  update(root);
+  if (m_mark.lines.empty() && m_mark.triangles.empty()) return;
+
+  SoGLState const hostState;
+  if (!m_program) {
+    m_program = SoGLProgram::build("highlight", VERTEX, "", FRAGMENT);
+    glGenVertexArrays(1, &m_vertexArray);
+    glGenBuffers(1, &m_buffer);
+    m_uploaded = false;
+  }
+  if (!m_program) return;
+  glBindVertexArray(m_vertexArray);
+  glBindBuffer(GL_ARRAY_BUFFER, m_buffer);
+  if (!m_uploaded) {
+    size_t const lines = m_mark.lines.size() * sizeof(SbVec3f), triangles = m_mark.triangles.size() * sizeof(SbVec3f);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(lines + triangles), nullptr, GL_STATIC_DRAW);
+    glBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(lines), m_mark.lines.data());
+    glBufferSubData(GL_ARRAY_BUFFER, static_cast<GLintptr>(lines), static_cast<GLsizeiptr>(triangles),
+                    m_mark.triangles.data());
+    m_uploaded = true;
+  }
+  auto const position = static_cast<unsigned>(glGetAttribLocation(m_program, "position"));
+  glEnableVertexAttribArray(position);
+  glVertexAttribPointer(position, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
+  glUseProgram(m_program);
+  SbMatrix view, projection;
+  getViewVolume().getMatrices(view, projection);
+  SbMatrix const both = view * projection;
+  glUniformMatrix4fv(glGetUniformLocation(m_program, "viewProjection"), 1, GL_FALSE, both.getValue());
+  glUniform3fv(glGetUniformLocation(m_program, "color"), 1, m_color.getValue());
+  glUniform1f(glGetUniformLocation(m_program, "nearer"), 2e-4f);
+  m_shift = glGetUniformLocation(m_program, "shift");
+  setShift(0, 0);
+
+  SbVec2s const origin = getViewportRegion().getViewportOriginPixels(), size = getViewportRegion().getViewportSizePixels();
+  glViewport(origin[0], origin[1], size[0], size[1]);
+  glDisable(GL_CULL_FACE);
+  glDisable(GL_BLEND);
+  glDisable(GL_STENCIL_TEST);
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LEQUAL);
+  glDepthMask(GL_FALSE);
+  glLineWidth(1);
+  drawMark();
+}
+
+// Pixels into clip coordinates.
+void SoHighlightRenderAction::setShift(float x, float y) {
+  SbVec2s const size = getViewportRegion().getViewportSizePixels();
+  glUniform2f(m_shift, 2 * x / static_cast<float>(std::max<short>(size[0], 1)),
+              2 * y / static_cast<float>(std::max<short>(size[1], 1)));
+}
+
+// Lines wider than a pixel are no part of the core profile: they are drawn side by side.
+void SoHighlightRenderAction::drawLines(float width) {
+  int const steps = std::max(1, static_cast<int>(std::lround(width)));
+  for (int i = 0; i < steps; ++i) {
+    float const offset = static_cast<float>(i) - static_cast<float>(steps - 1) / 2;
+    for (bool const upwards : {false, true}) {
+      if (upwards && offset == 0) continue;
+      setShift(upwards ? 0 : offset, upwards ? offset : 0);
+      glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(m_mark.lines.size()));
+    }
+  }
+  setShift(0, 0);
+}
+
+void SoHighlightRenderAction::drawTriangles() {
+  glDrawArrays(GL_TRIANGLES, static_cast<GLint>(m_mark.lines.size()), static_cast<GLsizei>(m_mark.triangles.size()));
+}
+
+void SoHighlightRenderAction::drawTrianglesAround(float pixels) {
+  constexpr int DIRECTIONS = 12;
+  for (int i = 0; i < DIRECTIONS; ++i) {
+    float const angle = 2 * std::numbers::pi_v<float> * static_cast<float>(i) / DIRECTIONS;
+    setShift(pixels * std::cos(angle), pixels * std::sin(angle));
+    drawTriangles();
+  }
+  setShift(0, 0);
+}
+
+void SoHighlightRenderAction::releaseGL() {
+  SoGLRenderAction::releaseGL();
+  if (!m_program) return;
+  glDeleteProgram(m_program);
+  glDeleteVertexArrays(1, &m_vertexArray);
+  glDeleteBuffers(1, &m_buffer);
+  m_program = m_vertexArray = m_buffer = 0;
+}
+
+void SoLineHighlightRenderAction::drawMark() { drawLines(getLineWidth()); }
+
+void SoBoxHighlightRenderAction::gather(SoPath& path, Mark& mark) {
+  SoGetBoundingBoxAction action(getViewportRegion());
+  action.apply(&path);
+  SbBox3f const& box = action.getBoundingBox();
+  if (box.isEmpty()) return;
+  auto const corner = [&box](int i) {
+    return SbVec3f(i & 1 ? box.getMax()[0] : box.getMin()[0], i & 2 ? box.getMax()[1] : box.getMin()[1],
+                   i & 4 ? box.getMax()[2] : box.getMin()[2]);
+  };
+  for (int i = 0; i < 8; ++i) {
+    for (int bit : {1, 2, 4}) {
+      if (!(i & bit)) mark.lines.insert(mark.lines.end(), {corner(i), corner(i | bit)});
+    }
+  }
+}
+
+void SoBoxHighlightRenderAction::drawMark() { drawLines(getLineWidth()); }
+
+// The shape's own pixels are marked in the stencil buffer; then it is drawn a few pixels off in every direction
+// wherever there is no mark.
+void SoHaloHighlightRenderAction::drawMark() {
+  if (m_alwaysVisible) glDisable(GL_DEPTH_TEST);
+  glEnable(GL_STENCIL_TEST);
+  glStencilMask(0xff);
+  glClearStencil(0);
+  glClear(GL_STENCIL_BUFFER_BIT);
+  glStencilFunc(GL_ALWAYS, 1, 0xff);
+  glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+  glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
+  drawTriangles();
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glStencilFunc(GL_EQUAL, 0, 0xff);
+  glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
+  drawTrianglesAround(getLineWidth());
+  glStencilFunc(GL_ALWAYS, 0, 0xff);
+}

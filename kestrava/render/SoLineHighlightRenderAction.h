@@ -1,0 +1,3 @@
+#pragma once
+
+#include "kestrava/render/SoHighlightRenderAction.h"
