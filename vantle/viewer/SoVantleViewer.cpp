@@ -164,11 +164,12 @@ void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s posit
   SoSceneManager* const manager = VntServices::getInstance()->getSceneManager();
   SoNode* const root = manager ? manager->getSceneGraph() : m_selection.get();
   if (!root) return;
+  SoTreeViewItem const* const before = m_treeView->currentItem();
   m_mode = 1;
   m_treeView->setPickAction(region, position, root);
   m_mode = 0;
   // The pick did not come from a selection: what was found is marked now.
-  if (SoVantleTreeView::isAutoHighlight()) m_treeView->highlightPath(m_treeView->currentItem());
+  if (SoVantleTreeView::isAutoHighlight() && m_treeView->currentItem() != before) m_treeView->highlightPath(m_treeView->currentItem());
 }
 
 // Window settings.
