@@ -3,6 +3,28 @@
 #include <algorithm>
 
 #include "kestrava/base/SoError.h"
+#include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoSFNode.h"
+
+namespace {
+
+/// The node when a field of `above` holds it, else null.
+SoNode* findHeld(SoNode* above, SoNode const* node) {
+  for (int i = 0; i < above->getNumFields(); ++i) {
+    SoField* const field = above->getField(i);
+    if (field->isOfType(SoSFNode::getClassTypeId())) {
+      SoNode* const value = static_cast<SoSFNode*>(field)->getValue();
+      if (value == node) return value;
+    } else if (field->isOfType(SoMFNode::getClassTypeId())) {
+      auto& nodes = *static_cast<SoMFNode*>(field);
+      int const index = nodes.findNode(node);
+      if (index >= 0) return nodes[index];
+    }
+  }
+  return nullptr;
+}
+
+} // namespace
 
 template <class Function, class Argument>
 void SoSelection::callAll(std::vector<Callback<Function>> const& callbacks, Argument* argument) {
@@ -14,56 +36,59 @@ void SoSelection::callAll(std::vector<Callback<Function>> const& callbacks, Argu
   }
 }
 
-SoRef<SoPath> SoSelection::belowThis(SoPath* path) const {
+std::optional<SoSelection::Steps> SoSelection::belowThis(SoPath* path) const {
   int const from = path ? path->findNode(this) : -1;
-  if (from < 0) return nullptr;
-  SoRef<SoPath> below(new SoPath);
-  for (int i = from + 1; i < path->getLength(); ++i) below->appendNode(path->getNode(i), path->getIndex(i));
+  if (from < 0) return {};
+  Steps below;
+  for (int i = from + 1; i < path->getLength(); ++i) below.push_back({path->getNode(i), path->getIndex(i)});
   return below;
 }
 
 int SoSelection::findPath(SoPath* path) const {
-  SoRef<SoPath> const below = belowThis(path);
-  for (int i = 0; below && i < getNumSelected(); ++i) {
-    SoPath const& other = *m_paths[i];
-    bool const sameFirst =
-        below->getLength() == 0 || (other.getLength() > 0 && below->getIndex(0) == other.getIndex(0));
-    if (sameFirst && other == *below) return i;
-  }
-  return -1;
+  auto const below = belowThis(path);
+  auto const found = below ? std::find(m_paths.begin(), m_paths.end(), *below) : m_paths.end();
+  return found == m_paths.end() ? -1 : static_cast<int>(found - m_paths.begin());
 }
 
 SoRef<SoPath> SoSelection::getPath(int which) const {
   SoRef<SoPath> path(new SoPath(const_cast<SoSelection*>(this)));
-  path->append(*m_paths[which]);
+  for (Step const& step : m_paths[which]) {
+    SoNode* const above = path->getTail();
+    if (SoChildList const* children = above->getChildren()) {
+      bool const isThere =
+          step.index >= 0 && step.index < children->getLength() && (*children)[step.index] == step.node;
+      if (path->append(isThere ? step.index : children->find(step.node))) continue;
+    }
+    SoNode* const held = findHeld(above, step.node);
+    if (!held) break;
+    path->appendNode(held, -1);
+  }
   return path;
 }
 
-void SoSelection::add(SoRef<SoPath> below) {
+void SoSelection::add(Steps below) {
   m_paths.push_back(std::move(below));
   SoRef<SoPath> const path = getPath(getNumSelected() - 1);
-  touch();
   callAll(m_selectionCallbacks, path.get());
 }
 
 void SoSelection::remove(int which) {
   SoRef<SoPath> const path = getPath(which);
   m_paths.erase(m_paths.begin() + which);
-  touch();
   callAll(m_deselectionCallbacks, path.get());
 }
 
 void SoSelection::tellChange() { callAll(m_changeCallbacks, this); }
 
 void SoSelection::select(SoPath* path) {
-  SoRef<SoPath> below = belowThis(path);
+  auto below = belowThis(path);
   if (!below) {
     SoDebugError::post("SoSelection::select", "the path does not run through '%s'", getName().c_str());
     return;
   }
   if (isSelected(path)) return;
   SoRef<SoSelection> const self(this);
-  add(std::move(below));
+  add(std::move(*below));
   tellChange();
 }
 
@@ -98,8 +123,8 @@ void SoSelection::invoke(SoPath* path, bool shiftDown) {
   SoRef<SoSelection> const self(this);
   bool const had = !m_paths.empty();
   while (!m_paths.empty()) remove(getNumSelected() - 1);
-  if (SoRef<SoPath> below = belowThis(path)) {
-    add(std::move(below));
+  if (auto below = belowThis(path)) {
+    add(std::move(*below));
     tellChange();
   } else if (had) {
     tellChange();

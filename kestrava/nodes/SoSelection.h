@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include <vector>
 
 #include "kestrava/base/SoPath.h"
@@ -42,7 +45,7 @@ class SoSelection : public SoSeparator {
   void invoke(SoPath* path, bool shiftDown = false);
 
   int getNumSelected() const { return static_cast<int>(m_paths.size()); }
-  /// A path of the caller's own.
+  /// A path of the caller's own. It ends above a node that has left the graph since it was selected.
   SoRef<SoPath> getPath(int which) const;
 
   void addSelectionCallback(SoSelectionPathCB* function, void* data = nullptr);
@@ -63,14 +66,21 @@ class SoSelection : public SoSeparator {
   };
   template <class Function, class Argument>
   static void callAll(std::vector<Callback<Function>> const& callbacks, Argument* argument);
-  /// The part of a path below this node; null when it does not run through it.
-  SoRef<SoPath> belowThis(SoPath* path) const;
+  /// Selecting takes no references: the nodes are looked up again, and never followed before they were found.
+  struct Step {
+    SoNode const* node;
+    int index;
+    friend bool operator==(Step const&, Step const&) = default;
+  };
+  using Steps = std::vector<Step>;
+  /// The part of a path below this node; nothing when it does not run through it.
+  std::optional<Steps> belowThis(SoPath* path) const;
   int findPath(SoPath* path) const;
-  void add(SoRef<SoPath> below);
+  void add(Steps below);
   void remove(int which);
   void tellChange();
 
-  std::vector<SoRef<SoPath>> m_paths; // below this node: paths that held it would keep it alive for ever
+  std::vector<Steps> m_paths; // below this node
   std::vector<Callback<SoSelectionPathCB>> m_selectionCallbacks, m_deselectionCallbacks;
   std::vector<Callback<SoSelectionClassCB>> m_changeCallbacks;
 };
