@@ -69,8 +69,15 @@ bool SoRayPickAction::findRay() {
   m_volume = m_fixedVolume ? *m_fixedVolume : camera.volume;
   SbVec3f onNear, onFar;
   m_volume.projectPointToLine(getViewportRegion().normalize(m_pixel), onNear, onFar);
-  m_line.setPosDir(onNear, onFar - onNear);
-  m_length = (onFar - onNear).length();
+  SbVec3f const along = onFar - onNear;
+  m_line.setPosDir(onNear, along);
+  m_length = along.length();
+  if (m_fixedVolume) {
+    // Who looks through a camera of its own fits the planes to the scene: what is seen counts, not they.
+    bool const perspective = m_volume.getProjectionType() == SbViewVolume::PERSPECTIVE;
+    m_line.setPosDir(perspective ? m_volume.getProjectionPoint() : onNear - along * 10, along);
+    m_length = 0;
+  }
   return true;
 }
 

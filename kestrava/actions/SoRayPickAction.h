@@ -23,7 +23,7 @@ class SoRayPickAction : public SoStateAction {
   void setPoint(SbVec2s pixel);
   /// In pixels; 5 unless set.
   void setRadius(float pixels) { m_radius = pixels; }
-  /// A camera that is not part of the graph. Null: those of the graph count.
+  /// A camera that is not part of the graph; its near and far planes do not count. Null: those of the graph.
   void setCamera(SoCamera const* camera);
   /// A line in the coordinates of the root in place of a point; lines and points of shapes are then not met.
   void setRay(SbVec3f const& start, SbVec3f const& direction);
