@@ -11,6 +11,16 @@
 #include "kestrava_qt/SoQt.h"
 #include "kestrava_qt/SoQtCanvas.h"
 
+namespace {
+
+SoRef<SoCamera> copyOf(SoCamera const& camera) {
+  SoRef<SoCamera> copy(static_cast<SoCamera*>(SoNode::create(camera.getTypeId())));
+  copy->copyFieldValues(camera);
+  return copy;
+}
+
+}  // namespace
+
 SoQtExaminerViewer::SoQtExaminerViewer(QWidget* parent, char const* name)
     : m_area(new SoGuiRenderArea), m_widget(new QWidget(parent)), m_camera(new SoPerspectiveCamera) {
   SoQt::init(parent);
@@ -89,8 +99,7 @@ void SoQtExaminerViewer::setSceneGraph(SoNode* root) {
     saveHomePosition();
     return;
   }
-  SoRef<SoCamera> own(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(inScene->getTypeId().createInstance())));
-  own->copyFieldValues(*inScene);
+  SoRef<SoCamera> const own = copyOf(*inScene);
   SbMatrix const& matrix = action->getDrawList().getCameraMatrix();
   if (!matrix.isIdentity()) {
     SbVec3f translation, scale;
@@ -122,14 +131,11 @@ void SoQtExaminerViewer::viewAll() {
 }
 
 void SoQtExaminerViewer::saveHomePosition() {
-  m_home = SoRef<SoCamera>(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(m_camera->getTypeId().createInstance())));
-  m_home->copyFieldValues(*m_camera);
+  m_home = copyOf(*m_camera);
 }
 
 void SoQtExaminerViewer::resetToHomePosition() {
-  SoRef<SoCamera> home(static_cast<SoCamera*>(static_cast<SoFieldContainer*>(m_home->getTypeId().createInstance())));
-  home->copyFieldValues(*m_home);
-  setCamera(home);
+  setCamera(copyOf(*m_home));
 }
 
 void SoQtExaminerViewer::togglePerspective() {

@@ -47,7 +47,7 @@ SoNode* SoReader::readAll() {
   static SoType const separator = SoType::fromName("Separator");
   if (m_complete.size() == 1 && m_complete[0]->isOfType(separator)) return m_complete[0].release();
   m_addedRoot = true;
-  auto* root = static_cast<SoGroup*>(static_cast<SoFieldContainer*>(separator.createInstance()));
+  auto* root = static_cast<SoGroup*>(SoNode::create(separator));
   root->getChildren()->reserve(static_cast<int>(m_complete.size()));
   for (SoRef<SoNode> const& node : m_complete) root->getChildren()->append(node);
   return root;
@@ -199,7 +199,7 @@ bool SoReader::readBody(SbString const& typeName, SbString const& definedAs, SoF
     if (!frame.node) return false;
   } else {
     if (!type.canCreateInstance()) return m_in.failText("there are no nodes of the type " + quoted(typeName) + " itself", line);
-    frame.node = static_cast<SoNode*>(static_cast<SoFieldContainer*>(type.createInstance()));
+    frame.node = SoNode::create(type);
     if (!m_in.expect('{')) return false;
   }
   frame.node->enableNotify(false);

@@ -116,7 +116,7 @@ bool SoBaseKit::resolve(SbString const& name, bool makes, Place& place) {
 
 SoNode* SoBaseKit::make(SoKitPart& part) {
   if (!part.getValue() && part.getMadeType().canCreateInstance()) {
-    part.setValue(static_cast<SoNode*>(static_cast<SoFieldContainer*>(part.getMadeType().createInstance())));
+    part.setValue(SoNode::create(part.getMadeType()));
   }
   return part.getValue();
 }
@@ -174,7 +174,7 @@ void SoBaseKit::fieldChanged(SoField* field) {
     list->setItemType(part->getItemType());
     SoType const container = part->getContainerType();
     if (list->getNumChildren() == 0 && list->getContainer() && !list->getContainer()->isOfType(container)) {
-      auto* group = static_cast<SoNode*>(static_cast<SoFieldContainer*>(container.createInstance()));
+      auto* group = SoNode::create(container);
       // A list of alternatives shows its first entry.
       if (auto* choice = dynamic_cast<SoSwitch*>(group)) choice->whichChild = 0;
       list->containerNode.setValue(group);

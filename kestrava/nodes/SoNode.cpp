@@ -66,6 +66,12 @@ void SoNode::setOverride(bool on) {
   if (field && field->getValue() != on) field->setValue(on);
 }
 
+SoNode* SoNode::create(SoType type) {
+  return type.isDerivedFrom(getClassTypeId())
+             ? static_cast<SoNode*>(static_cast<SoFieldContainer*>(type.createInstance()))
+             : nullptr;
+}
+
 SoNode* SoNode::getByName(SbName const& name) {
   return static_cast<SoNode*>(getNamedBase(name, SoNode::getClassTypeId()));
 }

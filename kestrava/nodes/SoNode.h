@@ -30,6 +30,9 @@ class SoNode : public SoFieldContainer {
   /// True when `holder` is `held` or stands somewhere below it, so that holding it would close a circle.
   static bool closesCircle(SoFieldContainer const* holder, SoNode const* held);
 
+  /// A new node of a type, count 0; null when the type is abstract or not one of nodes.
+  static SoNode* create(SoType type);
+
   /// The latest node of that name, null when there is none.
   static SoNode* getByName(SbName const& name);
 

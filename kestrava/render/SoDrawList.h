@@ -64,7 +64,7 @@ class SoDrawList {
   /// Around all items, in world coordinates.
   SbBox3f const& getBounds() const { return m_bounds; }
   bool hasLights() const { return m_hasLights; }
-  /// The scene's first camera and the way from its coordinates to those of the world; null when there is none.
+  /// A copy of the scene's first camera and the way from its coordinates to those of the world; null when there is none.
   SoCamera* getCamera() const { return m_camera; }
   SbMatrix const& getCameraMatrix() const { return m_cameraMatrix; }
 

@@ -253,7 +253,9 @@ void SoDrawListAction::addShape(SoShape const& shape) {
 
 void SoDrawListAction::addCamera(SoCamera& camera) {
   if (m_list.m_camera) return;
-  m_list.m_camera = SoRef<SoCamera>(&camera);
+  // A copy: the list is no user of the scene, and is made anew when the camera changes.
+  m_list.m_camera = SoRef<SoCamera>(static_cast<SoCamera*>(SoNode::create(camera.getTypeId())));
+  m_list.m_camera->copyFieldValues(camera);
   m_list.m_cameraMatrix = getState().get<SoModelMatrixElement>().matrix;
 }
 
