@@ -50,7 +50,7 @@ int SoSelection::findPath(SoPath* path) const {
   return found == m_paths.end() ? -1 : static_cast<int>(found - m_paths.begin());
 }
 
-SoRef<SoPath> SoSelection::getPath(int which) const {
+SoRef<SoPath> SoSelection::getPath(int which, bool* isWhole) const {
   SoRef<SoPath> path(new SoPath(const_cast<SoSelection*>(this)));
   for (Step const& step : m_paths[which]) {
     SoNode* const above = path->getTail();
@@ -63,6 +63,7 @@ SoRef<SoPath> SoSelection::getPath(int which) const {
     if (!held) break;
     path->appendNode(held, -1);
   }
+  if (isWhole) *isWhole = path->getLength() == static_cast<int>(m_paths[which].size()) + 1;
   return path;
 }
 

@@ -45,8 +45,9 @@ class SoSelection : public SoSeparator {
   void invoke(SoPath* path, bool shiftDown = false);
 
   int getNumSelected() const { return static_cast<int>(m_paths.size()); }
-  /// A path of the caller's own. It ends above a node that has left the graph since it was selected.
-  SoRef<SoPath> getPath(int which) const;
+  /// A path of the caller's own. It ends above a node that has left the graph since it was selected; `isWhole`
+  /// then is false.
+  SoRef<SoPath> getPath(int which, bool* isWhole = nullptr) const;
 
   void addSelectionCallback(SoSelectionPathCB* function, void* data = nullptr);
   void removeSelectionCallback(SoSelectionPathCB* function, void* data = nullptr);

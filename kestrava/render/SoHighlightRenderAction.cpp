@@ -102,29 +102,39 @@ void SoHighlightRenderAction::gatherPrimitives(SoPath& path, Mark& mark, bool as
   action.apply(&path);
 }
 
+void SoHighlightRenderAction::findSelections(SoNode* root) {
+  if (m_searchedId == root->getNodeId()) return;
+  m_searchedId = root->getNodeId();
+  m_selections.clear();
+  SoSearchAction search;
+  search.setType(SoSelection::getClassTypeId());
+  // Where the root is a selection it is the one that counts, and the search ends at once.
+  bool const isRoot = root->isOfType(SoSelection::getClassTypeId());
+  search.setInterest(isRoot ? SoSearchAction::FIRST : SoSearchAction::ALL);
+  search.apply(root);
+  for (auto const& found : search.getPaths()) {
+    auto& steps = m_selections.emplace_back();
+    for (int i = 0; i < found->getLength(); ++i) steps.emplace_back(found->getNode(i), found->getIndex(i));
+  }
+}
+
 // The selection does not notify, so its paths are compared for every frame; they are few.
 void SoHighlightRenderAction::update(SoNode* root) {
+  findSelections(root);
   std::vector<SoRef<SoPath>> selected;
   std::vector<Step> shown;
-  auto const add = [&](SoPath& above) {
-    auto* const selection = static_cast<SoSelection*>(above.getTail());
+  for (auto const& above : m_selections) {
+    auto* const selection = static_cast<SoSelection*>(above.back().first);
     for (int i = 0; i < selection->getNumSelected(); ++i) {
-      SoRef<SoPath> const below = selection->getPath(i);
-      SoRef<SoPath> const whole(above.copy());
+      bool isWhole = false;
+      SoRef<SoPath> const below = selection->getPath(i, &isWhole);
+      if (!isWhole) continue;
+      SoRef<SoPath> const whole(new SoPath(root));
+      for (size_t k = 1; k < above.size(); ++k) whole->appendNode(above[k].first, above[k].second);
       for (int k = 1; k < below->getLength(); ++k) whole->appendNode(below->getNode(k), below->getIndex(k));
       for (int k = 0; k < whole->getLength(); ++k) shown.emplace_back(whole->getNode(k), whole->getIndex(k));
       selected.push_back(whole);
     }
-  };
-  if (root->isOfType(SoSelection::getClassTypeId())) {
-    SoRef<SoPath> const above(new SoPath(root));
-    add(*above);
-  } else {
-    SoSearchAction search;
-    search.setType(SoSelection::getClassTypeId());
-    search.setInterest(SoSearchAction::ALL);
-    search.apply(root);
-    for (auto const& found : search.getPaths()) add(*found);
   }
   if (m_shownId == root->getNodeId() && m_shown == shown) return;
   m_shownId = root->getNodeId();

@@ -45,10 +45,14 @@ class SoHighlightRenderAction : public SoGLRenderAction {
 
  private:
   void update(SoNode* root);
+  void findSelections(SoNode* root);
   void setShift(float x, float y);
 
-  using Step = std::pair<SoNode const*, int>;  // compared, never followed
-  std::vector<Step> m_shown;
+  using Step = std::pair<SoNode*, int>;
+  // From the root to each selection node. Nothing is referenced: while the root's id stands, so do its nodes.
+  std::vector<std::vector<Step>> m_selections;
+  std::uint64_t m_searchedId = 0;
+  std::vector<Step> m_shown;  // compared, never followed
   std::uint64_t m_shownId = 0;
   Mark m_mark;
   bool m_uploaded = false;

@@ -78,6 +78,19 @@ TEST_F(Highlight, MarksWhatIsSelectedAndNothingElse) {
   m_manager->setGLRenderAction(nullptr);
 }
 
+TEST_F(Highlight, ASelectionBelowTheRootIsFound) {
+  SoRef<SoGroup> const root(new SoGroup);
+  root->addChild(m_selection);
+  m_manager->setSceneGraph(root);
+  select();
+  SoLineHighlightRenderAction lines;
+  EXPECT_GT(countMarked(draw(lines), -2, 0), 20);
+  root->removeChild(m_selection);
+  EXPECT_EQ(countMarked(draw(lines), -2, 2), 0);
+  finish();
+  m_manager->setGLRenderAction(nullptr);
+}
+
 TEST_F(Highlight, AHaloShowsThroughWhatIsInFrontOnlyWhenAsked) {
   m_selection->addChild(readScene(UNLIT + "BaseColor { rgb 0 1 0 } " + square(1.9f, 1)));
   select();
@@ -103,7 +116,10 @@ TEST_F(Highlight, SelectingTakesNoReferenceAndWalksNoGraph) {
   // A selected node that leaves the graph goes, and with it its mark.
   static_cast<SoGroup*>(m_selection->getChild(0))->removeChild(square);
   ASSERT_EQ(m_selection->getNumSelected(), 1);
-  EXPECT_EQ(m_selection->getPath(0)->getLength(), 2);
+  bool isWhole = true;
+  EXPECT_EQ(m_selection->getPath(0, &isWhole)->getLength(), 2);
+  EXPECT_FALSE(isWhole);
+  EXPECT_EQ(countMarked(draw(lines), -2, 2), 0) << "what held the node is not selected";
   finish();
   m_manager->setGLRenderAction(nullptr);
 }

@@ -169,7 +169,8 @@ void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s posit
   m_treeView->setPickAction(region, position, root);
   m_mode = 0;
   // The pick did not come from a selection: what was found is marked now.
-  if (SoVantleTreeView::isAutoHighlight() && m_treeView->currentItem() != before) m_treeView->highlightPath(m_treeView->currentItem());
+  SoTreeViewItem* const found = m_treeView->currentItem();
+  if (SoVantleTreeView::isAutoHighlight() && found != before) m_treeView->highlightPath(found);
 }
 
 // Window settings.
