@@ -9,6 +9,8 @@ packages=(
   # toolkit
   libegl-dev libepoxy-dev libfontconfig-dev libfreetype-dev libgl-dev libglu1-mesa-dev libjpeg62-turbo-dev
   libpng-dev libtiff-dev zlib1g-dev
+  # its optional modules
+  libassimp-dev libembree-dev libstb-dev libwebp-dev
   # inspector
   libqt6opengl6-dev libtbb-dev qt6-base-dev qt6-qpa-plugins
   # tests and running: GoogleTest, a display, software OpenGL, a font

@@ -44,7 +44,7 @@ SbString const DEFAULT_CONFIGURATION_FILE("$KSVHOME/data/Vantle/VntConfiguration
 
 // Optional modules of the toolkit, brought in in this order and out in the reverse one; a missing one is no
 // fault.
-constexpr char const* EXTENSION_MODULES[] = {"foreign_formats", "plotwise", "ray_picking"};
+constexpr char const* EXTENSION_MODULES[] = {"foreign_formats", "image_formats", "ray_picking"};
 
 // The application that the session makes for a host refers to these as long as it lives.
 int qargc = 1;
