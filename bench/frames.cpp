@@ -145,7 +145,7 @@ class Stage {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[1]);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, sizeof indices, indices, GL_STATIC_DRAW);
     unsigned const program = SoGLProgram::build(
-        "floor", "#version 330 core\nlayout(location = 0) in vec3 p;\nvoid main() { gl_Position = vec4(p, 1.0); }", "",
+        "floor", "#version 330 core\nlayout(location = 0) in vec3 p;\nvoid main() { gl_Position = vec4(p, 1.0); }",
         "#version 330 core\nout vec4 c;\nvoid main() { c = vec4(1.0); }");
     glUseProgram(program);
     int const calls = action.getRenderer().getStatistics().drawCalls;

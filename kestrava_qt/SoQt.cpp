@@ -5,6 +5,9 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
+#include <cmath>
+
 #include "kestrava/sensors/SoSensorManager.h"
 
 namespace {
@@ -17,6 +20,12 @@ class Pump : public QObject {
     m_next.setInterval(0);
     m_idle.setSingleShot(true);
     m_idle.setInterval(20);
+    m_timers.setSingleShot(true);
+    m_timers.setTimerType(Qt::PreciseTimer);
+    connect(&m_timers, &QTimer::timeout, this, [this] {
+      SoSensorManager::processTimerQueue();
+      startTimers();
+    });
     connect(&m_next, &QTimer::timeout, this, [this] { work(false); });
     connect(&m_idle, &QTimer::timeout, this, [this] { work(true); });
     SoSensorManager::setQueueChangedCallback([this] {
@@ -41,8 +50,15 @@ class Pump : public QObject {
     } else if (SoSensorManager::hasPending(true) && !m_idle.isActive()) {
       m_idle.start();
     }
+    double const seconds = SoSensorManager::getTimeToNextTimer();
+    if (seconds < 0) {
+      m_timers.stop();
+    } else {
+      constexpr double LONGEST = 3600;  // asked again then
+      m_timers.start(static_cast<int>(std::ceil(std::min(seconds, LONGEST) * 1000)));
+    }
   }
-  QTimer m_next, m_idle;
+  QTimer m_next, m_idle, m_timers;
 };
 
 QPointer<Pump>& pump() {

@@ -2,8 +2,8 @@
 
 class QWidget;
 
-/// Lets the event loop of a Qt program work off the toolkit's delay queue. Nothing runs while nothing waits;
-/// idle sensors are called at most fifty times a second.
+/// Lets the event loop of a Qt program work off the toolkit's delay queue and its timers. Nothing runs while nothing
+/// waits; idle sensors are called at most fifty times a second.
 class SoQt {
  public:
   SoQt() = delete;

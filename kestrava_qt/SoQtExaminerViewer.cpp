@@ -1,15 +1,11 @@
 #include "kestrava_qt/SoQtExaminerViewer.h"
 
-#include <QHBoxLayout>
-#include <QMouseEvent>
 #include <QWidget>
 #include <cmath>
 
 #include "kestrava/nodes/SoOrthographicCamera.h"
 #include "kestrava/nodes/SoPerspectiveCamera.h"
 #include "kestrava_qt/SoCameraMotion.h"
-#include "kestrava_qt/SoQt.h"
-#include "kestrava_qt/SoQtCanvas.h"
 
 namespace {
 
@@ -22,40 +18,17 @@ SoRef<SoCamera> copyOf(SoCamera const& camera) {
 }  // namespace
 
 SoQtExaminerViewer::SoQtExaminerViewer(QWidget* parent, char const* name)
-    : m_area(new SoGuiRenderArea), m_widget(new QWidget(parent)), m_camera(new SoPerspectiveCamera) {
-  SoQt::init(parent);
-  m_widget->setObjectName(QLatin1String(name));
-  m_widget->setFocusPolicy(Qt::StrongFocus);
-  m_widget->setMinimumSize(120, 120);
-  auto* const layout = new QHBoxLayout(m_widget);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(0);
-  SoSceneManager* const manager = getSceneManager();
-  m_canvas = SoQtCanvas::make(manager, [this] { beforeFrame(); }, m_widget);
-  layout->addWidget(getViewWidget(), 1);
+    : SoQtRenderArea(parent, name), m_camera(new SoPerspectiveCamera) {
   makeButtons();
-  getViewWidget()->setObjectName(QStringLiteral("view"));
-  getViewWidget()->installEventFilter(this);
-  m_widget->installEventFilter(this);
+  getViewWidget()->setMouseTracking(false);
   m_flight.setDuration(300);
   m_flight.setEasingCurve(QEasingCurve::InOutQuad);
   setCamera(m_camera);
   saveHomePosition();
-  auto redraw = [](void* data, SoSceneManager*) {
-    if (QWidget* const view = static_cast<SoQtExaminerViewer*>(data)->getViewWidget()) view->update();
-  };
-  manager->setRenderCallback(redraw, this);
   updateCursor();
 }
 
-SoQtExaminerViewer::~SoQtExaminerViewer() {
-  m_flight.stop();
-  getSceneManager()->setRenderCallback(nullptr);
-  m_canvas.reset();
-  delete m_widget;
-}
-
-QWidget* SoQtExaminerViewer::getViewWidget() const { return m_canvas->getWidget(); }
+SoQtExaminerViewer::~SoQtExaminerViewer() { m_flight.stop(); }
 
 // What a frame is made of.
 
@@ -69,15 +42,6 @@ void SoQtExaminerViewer::setHeadlight(bool on) {
   m_headlightSet = true;
   m_headlight = on;
   getSceneManager()->scheduleRedraw();
-}
-
-void SoQtExaminerViewer::setTransparencyType(SoGLRenderAction::Transparency type) {
-  getSceneManager()->getGLRenderAction()->setTransparencyType(type);
-  getSceneManager()->scheduleRedraw();
-}
-
-void SoQtExaminerViewer::setBackgroundColor(SbColor const& color) {
-  getSceneManager()->setBackgroundColorRGBA(SbColorRGBA(color, 1));
 }
 
 // The camera.

@@ -11,17 +11,18 @@
 #include "kestrava/nodes/SoCamera.h"
 #include "kestrava_qt/SoCameraMotion.h"
 #include "kestrava_qt/SoQtCanvas.h"
+#include "kestrava_qt/SoQtEventFeeder.h"
 #include "kestrava_qt/SoQtExaminerViewer.h"
 #include "kestrava_qt/SoQtViewerIcons.h"
 
 void SoQtExaminerViewer::makeButtons() {
   using namespace SoQtViewerIcons;
-  auto* const column = new QWidget(m_widget);
+  auto* const column = new QWidget(getWidget());
   column->setObjectName(QStringLiteral("buttons"));
   auto* const layout = new QVBoxLayout(column);
   layout->setContentsMargins(2, 2, 2, 2);
   layout->setSpacing(2);
-  QColor const color = m_widget->palette().color(QPalette::ButtonText);
+  QColor const color = getWidget()->palette().color(QPalette::ButtonText);
   auto add = [&](Icon icon, char const* name, QString const& tip, std::function<void()> const& clicked) {
     auto* const button = new QToolButton(column);
     button->setObjectName(QLatin1String(name));
@@ -50,7 +51,7 @@ void SoQtExaminerViewer::makeButtons() {
   for (auto const& button : {m_viewButton, m_pickButton, m_seekButton, m_projectionButton}) button->setCheckable(true);
   m_viewButton->setChecked(true);
   layout->addStretch(1);
-  static_cast<QHBoxLayout*>(m_widget->layout())->addWidget(column);
+  static_cast<QHBoxLayout*>(getWidget()->layout())->addWidget(column);
 }
 
 void SoQtExaminerViewer::setViewing(bool on) {
@@ -59,6 +60,9 @@ void SoQtExaminerViewer::setViewing(bool on) {
   if (!on) setSeeking(false);
   if (m_viewing == on) return;
   m_viewing = on;
+  // Nodes may follow the pointer while no button is down.
+  getViewWidget()->setMouseTracking(!on);
+  if (on) getSceneManager()->releaseGrab();
   updateCursor();
   emit viewingChanged(on);
 }
@@ -80,13 +84,6 @@ void SoQtExaminerViewer::updateCursor() {
   } else {
     view->setCursor(m_motion == NOTHING ? Qt::OpenHandCursor : Qt::ClosedHandCursor);
   }
-}
-
-SbVec2s SoQtExaminerViewer::toPixels(QPointF const& position) const {
-  QWidget const* const view = getViewWidget();
-  qreal const ratio = view->devicePixelRatioF();
-  return SbVec2s(static_cast<short>(std::floor(position.x() * ratio)),
-                 static_cast<short>(std::ceil((view->height() - position.y()) * ratio) - 1));
 }
 
 SbVec2f SoQtExaminerViewer::normalized(QPointF const& position) const {
@@ -119,7 +116,7 @@ bool SoQtExaminerViewer::mouseMoved(QMouseEvent* event) {
   if (m_motion == NOTHING) return false;
   QPointF const at = event->position();
   if (!m_dragged && (at - m_pressedAt).manhattanLength() < QApplication::startDragDistance() / 2.0) return true;
-  if (!m_dragged) m_canvas->setMoving(true);
+  if (!m_dragged) getCanvas()->setMoving(true);
   m_dragged = true;
   if (!m_viewing || m_seeking) return true;
   SbVec2f const from = normalized(m_lastAt), to = normalized(at);
@@ -140,14 +137,14 @@ bool SoQtExaminerViewer::mouseReleased(QMouseEvent* event) {
   bool const clicked = !m_dragged && event->button() == Qt::LeftButton;
   m_motion = motionFor(event->buttons(), event->modifiers());
   m_lastAt = event->position();
-  if (m_motion == NOTHING && m_dragged) m_canvas->setMoving(false);
+  if (m_motion == NOTHING && m_dragged) getCanvas()->setMoving(false);
   updateCursor();
   if (!clicked) return true;
   if (m_seeking) {
-    seekToPoint(toPixels(event->position()));
+    seekToPoint(SoQtEventFeeder::toPixels(event->position(), *getViewWidget()));
     setSeeking(false);
-  } else if (!m_viewing) {
-    emit picked(toPixels(event->position()), getViewportRegion());
+  } else if (!m_viewing && (m_reportsAllClicks || !m_sceneTookIt)) {
+    emit picked(SoQtEventFeeder::toPixels(event->position(), *getViewWidget()), getViewportRegion());
   }
   return true;
 }
@@ -164,26 +161,41 @@ bool SoQtExaminerViewer::keyPressed(int key) {
 }
 
 bool SoQtExaminerViewer::eventFilter(QObject* object, QEvent* event) {
-  if (event->type() == QEvent::KeyPress && object == m_widget) {
-    auto const* const key = static_cast<QKeyEvent*>(event);
-    bool const plain = !(key->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
-    return plain && keyPressed(key->key());
-  }
-  if (!m_canvas || object != getViewWidget()) return false;
+  bool const isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+  if (!object || object != (isKey ? getWidget() : getViewWidget())) return false;
+  bool const picking = !m_viewing || getSceneManager()->getGrabber();
+  QPointer<SoQtExaminerViewer> const self(this);
+  bool const handled = picking && offerToScene(*event);
+  // Nobody is left who could be given the event.
+  if (!self || !getViewWidget()) return true;
+  if (!isKey) return viewEvent(event, picking, handled);
+  if (handled || event->type() == QEvent::KeyRelease) return handled;
+  auto const* const key = static_cast<QKeyEvent*>(event);
+  bool const plain = !(key->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+  return plain && keyPressed(key->key());
+}
+
+/// What the viewer makes of an event of the view once the scene has had it.
+bool SoQtExaminerViewer::viewEvent(QEvent* event, bool wasPicking, bool handled) {
+  // A node that is pressed may end picking; the view is not moved with the same press.
+  if (wasPicking && m_viewing) return handled;
   switch (event->type()) {
     case QEvent::MouseButtonPress:
+      m_sceneTookIt = handled || (m_motion != NOTHING && m_sceneTookIt);
       mousePressed(static_cast<QMouseEvent*>(event));
       // Left unhandled, so that the click gives the focus to the widget around the view.
       return false;
-    case QEvent::MouseMove: return mouseMoved(static_cast<QMouseEvent*>(event));
-    case QEvent::MouseButtonRelease: return mouseReleased(static_cast<QMouseEvent*>(event));
+    case QEvent::MouseMove: return mouseMoved(static_cast<QMouseEvent*>(event)) || handled;
+    case QEvent::MouseButtonRelease:
+      m_sceneTookIt = m_sceneTookIt || handled;
+      return mouseReleased(static_cast<QMouseEvent*>(event)) || handled;
     case QEvent::Wheel: {
       auto const* const wheel = static_cast<QWheelEvent*>(event);
-      if (!m_viewing) return false;
+      if (!m_viewing) return handled;
       float const steps = static_cast<float>(wheel->angleDelta().y()) / 120.0f;
       SoCameraMotion::zoom(*m_camera, std::pow(0.85f, steps), normalized(wheel->position()), aspect());
       return true;
     }
-    default: return false;
+    default: return handled;
   }
 }

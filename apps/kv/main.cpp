@@ -4,13 +4,15 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <set>
 #include <string>
 
 #include "apps/kv/SceneStatistics.h"
 #include "kestrava/base/SbFileHelper.h"
+#include "kestrava/base/SoModuleTool.h"
+#include "kestrava/io/SoDB.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/io/SoOutput.h"
-#include "kestrava/io/SoReader.h"
 #include "kestrava/io/SoValueIO.h"
 #include "kestrava/io/SoWriter.h"
 #include "kestrava/nodes/SoGroup.h"
@@ -23,7 +25,9 @@ int showUsage(std::FILE* to, int status) {
   std::fputs(
       "kv info [--json] FILE                     what a scene consists of\n"
       "kv check FILE...                          reads the files, tells of faults\n"
-      "kv convert IN OUT [--ascii|--binary]      writes a scene anew; compressed when OUT ends in .kvz or .gz\n",
+      "kv convert IN OUT [--ascii|--binary] [--compress]\n"
+      "                                          writes a scene anew, in the form that it had where none is given;\n"
+      "                                          compressed too when OUT ends in .kvz or .gz\n",
       to);
   return status;
 }
@@ -36,11 +40,12 @@ struct Scene {
     SoInput in;
     if (!in.openFile(name, false, false)) return;
     header = in.getHeader().str();
-    SoReader reader(in);
-    root = SoRef<SoNode>(reader.readAll());
+    if (!header.starts_with("#Kestrava")) header = "none, the file is of another format";
+    bool hasAddedRoot = false;
+    root = SoRef<SoNode>(SoDB::readAll(&in, &hasAddedRoot));
     if (!root) return;
     // The node that reading puts above several others is none of the file's.
-    if (reader.hasAddedRoot()) {
+    if (hasAddedRoot) {
       SoChildList const* children = root->getChildren();
       top.assign(children->begin(), children->end());
     } else {
@@ -134,16 +139,16 @@ int check(int count, char** files) {
   return status;
 }
 
-int convert(char const* from, char const* to, bool binary) {
-  if (binary) {
-    std::fprintf(stderr, "%s: can not be written: scenes are written in the ASCII form only\n", to);
-    return FAULT;
-  }
+enum class Form { AS_IT_WAS, ASCII, BINARY };
+
+int convert(char const* from, char const* to, Form form, bool compress) {
   Scene const scene(from);
   if (!scene.root) return FAULT;
   SoOutput out;
   std::string const extension = SbFileHelper::getExtension(to).lower().str();
-  out.setCompression(extension == "kvz" || extension == "gz");
+  out.setCompression(compress || extension == "kvz" || extension == "gz");
+  bool const wasBinary = scene.header == SoOutput::getDefaultBinaryHeader().str();
+  out.setBinary(form == Form::BINARY || (form == Form::AS_IT_WAS && wasBinary));
   if (out.openFile(to)) {
     out.writeHeader();
     SoWriter(out).writeFile(scene.top);
@@ -156,24 +161,30 @@ int convert(char const* from, char const* to, bool binary) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // What is not there is said when a file needs it.
+  for (char const* module : {"foreign_formats", "image_formats"}) SoModuleTool::initModule(module);
   std::string const command = argc > 1 ? argv[1] : "";
   std::vector<char*> files;
-  std::string options;
+  std::set<std::string> options;
   for (int i = 2; i < argc; ++i) {
     if (std::strncmp(argv[i], "--", 2) == 0) {
-      options += argv[i];
+      options.insert(argv[i]);
     } else {
       files.push_back(argv[i]);
     }
   }
   auto const count = files.size();
+  auto const take = [&options](char const* option) { return options.erase(option) > 0; };
   if (command == "--help" || command == "help") return showUsage(stdout, OK);
-  if (command == "info" && count == 1 && (options.empty() || options == "--json")) {
-    return info(files[0], !options.empty());
+  if (command == "info" && count == 1) {
+    bool const json = take("--json");
+    if (options.empty()) return info(files[0], json);
   }
   if (command == "check" && count > 0 && options.empty()) return check(static_cast<int>(count), files.data());
-  if (command == "convert" && count == 2 && (options.empty() || options == "--ascii" || options == "--binary")) {
-    return convert(files[0], files[1], options == "--binary");
+  if (command == "convert" && count == 2) {
+    bool const ascii = take("--ascii"), binary = take("--binary"), compress = take("--compress");
+    Form const form = binary ? Form::BINARY : ascii ? Form::ASCII : Form::AS_IT_WAS;
+    if (options.empty() && !(ascii && binary)) return convert(files[0], files[1], form, compress);
   }
   return showUsage(stderr, WRONG_USE);
 }

@@ -3,7 +3,31 @@
 #include <algorithm>
 
 #include "kestrava/nodes/SoShape.h"
-#include "kestrava/render/SoMesh.h"
+#include "kestrava/render/SoMeshBuilder.h"
+
+namespace {
+
+SbColorRGBA colorAt(SoMaterialElement const& material, int index) {
+  if (!material.packed || material.packedCount <= 0) {
+    return SbColorRGBA(material.diffuse[index], 1 - material.transparency[index]);
+  }
+  SbColorRGBA color;
+  color.setPackedValue(material.packed[std::clamp(index, 0, material.packedCount - 1)]);
+  return color;
+}
+
+} // namespace
+
+SoPrimitiveVertex SoPrimitiveVertex::transformed(SbMatrix const& matrix) const {
+  SoPrimitiveVertex result = *this;
+  result.point = matrix.multVecMatrix(point);
+  bool invertible = false;
+  SbMatrix const inverse = matrix.inverse(&invertible);
+  // Normals go with the transposed inverse.
+  if (invertible) result.normal = inverse.transpose().multDirMatrix(normal);
+  result.normal.normalize();
+  return result;
+}
 
 SoCallbackAction::Response SoCallbackAction::call(std::vector<Callback<NodeCB>> const& callbacks,
                                                   SoNode* node) {
@@ -33,13 +57,17 @@ void SoCallbackAction::callForPrimitives(SoNode* node) {
     return;
   }
   SoMesh mesh;
-  static_cast<SoShape*>(node)->buildMesh(getState(), mesh);
-  auto vertex = [&mesh](std::uint32_t i) {
+  static_cast<SoShape*>(node)->buildShownMesh(getState(), mesh);
+  SoOwnStateScope const own(static_cast<SoShape const&>(*node), getState());
+  auto const& material = getState().get<SoMaterialElement>();
+  auto vertex = [&mesh, &material](std::uint32_t i) {
     SoPrimitiveVertex v;
     v.point = mesh.positions[i];
     if (!mesh.normals.empty()) v.normal = mesh.normals[i];
     if (!mesh.texCoords.empty()) v.texCoord = mesh.texCoords[i];
     if (!mesh.materials.empty()) v.materialIndex = mesh.materials[i];
+    if (!mesh.coordIndices.empty()) v.coordIndex = mesh.coordIndices[i];
+    v.color = colorAt(material, v.materialIndex);
     return v;
   };
   for (auto const& callback : m_triangles) {

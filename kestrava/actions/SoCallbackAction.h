@@ -3,17 +3,26 @@
 #include <vector>
 
 #include "kestrava/actions/SoStateAction.h"
+#include "kestrava/base/SbColorRGBA.h"
 
-/// A corner of a triangle, an end of a line segment, or a point, in the coordinates of its shape.
+/// A corner of a triangle, an end of a line segment, or a point, in the coordinates of its shape. What is interpolated
+/// between corners is everything but the indices.
 struct SoPrimitiveVertex {
   SbVec3f point;
   SbVec3f normal;   // unit length; zero for what has none
   SbVec3f texCoord; // zero for what has none
   int materialIndex = 0;
+  SbColorRGBA color; // diffuse colour and opacity, as the shape's material has them at the index
+  int coordIndex = -1; // of the shape's coordinates; -1 for shapes without
+
+  /// The same in other coordinates.
+  SoPrimitiveVertex transformed(SbMatrix const& matrix) const;
 };
 
 /// Walks a graph and calls functions of the program: before and after nodes of a type, and for each triangle,
-/// line segment and point that shapes of a type consist of.
+/// line segment and point that shapes of a type consist of, as they are drawn (the corners of a triangle run
+/// counterclockwise on its front side). Texts in the plane of the screen have triangles where a camera stands before
+/// them. In a function for primitives the action's state and path are those of the shape.
 class SoCallbackAction : public SoStateAction {
   SO_ACTION(SoCallbackAction, SoStateAction)
  public:

@@ -117,8 +117,8 @@ struct SoFontElement {
 
 struct SoTextureImageElement {
   enum Model { MODULATE, DECAL, BLEND } model = MODULATE;
-  SbImage image;  // empty: no texture
-  bool repeatS = true, repeatT = true;
+  SbImage image;  // empty: no texture; with a depth: a solid one
+  bool repeatS = true, repeatT = true, repeatR = true;
   SbColor blendColor{0, 0, 0};
   std::uint64_t id = 0;
 };
@@ -170,6 +170,15 @@ struct SoViewportElement {
 /// What a switch with "inherit" shows.
 struct SoSwitchElement {
   int whichChild = -1;
+};
+
+/// What the groups around say about the copy of their contents that is visited; outer groups first.
+struct SoInstanceElement {
+  struct Value {
+    SoNode const* parameter;  // an SoInstanceParameter
+    int index;
+  };
+  std::vector<Value> values;
 };
 
 /// Kinds of properties that an overriding node has fixed for everything below.

@@ -154,6 +154,12 @@ void enterCopies(SoStateAction& action, SoMultipleCopy& group) {
   action.enterChildren(&group, passes, [&state, &group](int pass) {
     if (!group.matrix.isIgnored()) state.modify<SoModelMatrixElement>().matrix.multLeft(group.matrix[pass]);
     state.modify<SoSwitchElement>().whichChild = pass;
+    auto const& parameters = group.instanceParameter;
+    if (parameters.isIgnored() || parameters.getNumValues() == 0) return;
+    auto& element = state.modify<SoInstanceElement>();
+    for (int i = 0; i < parameters.getNumValues(); ++i) {
+      if (parameters[i]) element.values.push_back({parameters[i], pass});
+    }
   });
 }
 

@@ -5,6 +5,7 @@
 
 #include "kestrava/actions/SoStateAction.h"
 #include "kestrava/nodes/SoBaseColor.h"
+#include "kestrava/nodes/SoColorIndex.h"
 #include "kestrava/nodes/SoComplexity.h"
 #include "kestrava/nodes/SoCoordinate3.h"
 #include "kestrava/nodes/SoCoordinate4.h"
@@ -20,6 +21,8 @@
 #include "kestrava/nodes/SoShapeHints.h"
 #include "kestrava/nodes/SoTexture2.h"
 #include "kestrava/nodes/SoTexture2Transform.h"
+#include "kestrava/nodes/SoTexture3.h"
+#include "kestrava/nodes/SoTexture3Transform.h"
 #include "kestrava/nodes/SoTextureCoordinate2.h"
 #include "kestrava/nodes/SoTextureCoordinate3.h"
 #include "kestrava/nodes/SoTextureCoordinateBinding.h"
@@ -82,6 +85,19 @@ void visitBaseColor(SoStateAction& action, SoBaseColor& node) {
   if (isFixed(action, node, SoOverrideElement::COLOR)) return;
   auto& element = state.modify<SoMaterialElement>();
   takeDiffuse(node.rgb, element);
+  element.id = combineIds(element.id, node.getNodeId());
+}
+
+void visitColorIndex(SoStateAction& action, SoColorIndex& node) {
+  SoState& state = action.getState();
+  if (state.peek<SoOverrideElement>().fixed & SoOverrideElement::MATERIAL) return;
+  if (isFixed(action, node, SoOverrideElement::COLOR)) return;
+  if (node.index.isIgnored() || node.index.getNumValues() == 0) return;
+  std::vector<SbColor> const& colors = node.getColors();
+  auto& element = state.modify<SoMaterialElement>();
+  element.diffuse = {colors[0], colors.data(), static_cast<int>(colors.size())};
+  element.packed = nullptr;
+  element.packedCount = 0;
   element.id = combineIds(element.id, node.getNodeId());
 }
 
@@ -225,16 +241,26 @@ void visitTextureCoordinateBinding(SoStateAction& action, SoTextureCoordinateBin
                                                                       : SoBinding::PER_VERTEX_INDEXED;
 }
 
-void visitTexture2(SoStateAction& action, SoTexture2& node) {
-  if (isFixed(action, node, SoOverrideElement::TEXTURE)) return;
+template <class Node> void setTexture(SoStateAction& action, Node& node) {
   auto& element = action.getState().modify<SoTextureImageElement>();
   element.image = node.getImage();
-  element.repeatS = node.wrapS.isIgnored() || node.wrapS.getValue() == SoTexture2::REPEAT;
-  element.repeatT = node.wrapT.isIgnored() || node.wrapT.getValue() == SoTexture2::REPEAT;
+  element.repeatS = node.wrapS.isIgnored() || node.wrapS.getValue() == Node::REPEAT;
+  element.repeatT = node.wrapT.isIgnored() || node.wrapT.getValue() == Node::REPEAT;
   element.model = SoTextureImageElement::MODULATE;
   take(node.model, element.model);
   take(node.blendColor, element.blendColor);
   element.id = element.image.isEmpty() ? 0 : node.getNodeId();
+}
+
+void visitTexture2(SoStateAction& action, SoTexture2& node) {
+  if (!isFixed(action, node, SoOverrideElement::TEXTURE)) setTexture(action, node);
+}
+
+void visitTexture3(SoStateAction& action, SoTexture3& node) {
+  if (isFixed(action, node, SoOverrideElement::TEXTURE)) return;
+  setTexture(action, node);
+  action.getState().modify<SoTextureImageElement>().repeatR =
+      node.wrapR.isIgnored() || node.wrapR.getValue() == SoTexture3::REPEAT;
 }
 
 void visitTexture2Transform(SoStateAction& action, SoTexture2Transform& node) {
@@ -250,15 +276,28 @@ void visitTexture2Transform(SoStateAction& action, SoTexture2Transform& node) {
   action.getState().modify<SoTextureMatrixElement>().matrix.multLeft(matrix);
 }
 
+void visitTexture3Transform(SoStateAction& action, SoTexture3Transform& node) {
+  SbVec3f translation, scale(1, 1, 1), center;
+  SbRotation rotation, scaleOrientation;
+  take(node.translation, translation);
+  take(node.rotation, rotation);
+  take(node.scaleFactor, scale);
+  take(node.scaleOrientation, scaleOrientation);
+  take(node.center, center);
+  SbMatrix matrix;
+  matrix.setTransform(translation, rotation, scale, scaleOrientation, center);
+  action.getState().modify<SoTextureMatrixElement>().matrix.multLeft(matrix);
+}
+
 void visitVertexProperty(SoStateAction& action, SoVertexProperty& node) { node.apply(action.getState()); }
 
 bool const registered =
-    SoAction::addMethods<visitMaterial, visitBaseColor, visitMaterialBinding, visitNormalBinding,
+    SoAction::addMethods<visitMaterial, visitBaseColor, visitColorIndex, visitMaterialBinding, visitNormalBinding,
                          visitLightModel, visitDrawStyle, visitShapeHints, visitComplexity, visitPickStyle,
                          visitFont, visitEnvironment, visitCoordinate3, visitCoordinate4, visitNormal,
                          visitTextureCoordinate2, visitTextureCoordinate3, visitTextureCoordinatePlane,
                          visitTextureCoordinateEnvironment, visitTextureCoordinateBinding, visitTexture2,
-                         visitTexture2Transform, visitVertexProperty>();
+                         visitTexture2Transform, visitTexture3, visitTexture3Transform, visitVertexProperty>();
 
 } // namespace
 

@@ -6,6 +6,7 @@
 #include "kestrava/nodes/SoCamera.h"
 #include "kestrava/nodes/SoClipPlane.h"
 #include "kestrava/nodes/SoDirectionalLight.h"
+#include "kestrava/nodes/SoManipEffects.h"
 #include "kestrava/nodes/SoMatrixTransform.h"
 #include "kestrava/nodes/SoPointLight.h"
 #include "kestrava/nodes/SoResetTransform.h"
@@ -162,3 +163,9 @@ bool const registered =
                          visitPointLight, visitSpotLight, visitClipPlane>();
 
 } // namespace
+
+void SoApplyEffect(SoStateAction& action, SoTransform& node) { visitTransform(action, node); }
+void SoApplyEffect(SoStateAction& action, SoDirectionalLight& node) { visitDirectionalLight(action, node); }
+void SoApplyEffect(SoStateAction& action, SoPointLight& node) { visitPointLight(action, node); }
+void SoApplyEffect(SoStateAction& action, SoSpotLight& node) { visitSpotLight(action, node); }
+void SoApplyEffect(SoStateAction& action, SoClipPlane& node) { visitClipPlane(action, node); }

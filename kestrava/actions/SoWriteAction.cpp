@@ -5,7 +5,6 @@
 
 void SoWriteAction::apply(SoNode* root) {
   if (!root) return;
-  if (m_output->isBinary()) return m_output->fail("graphs are written in the ASCII form only");
   SoRef<SoNode> const keep(root->getRefCount() > 0 ? root : nullptr);
   m_output->writeHeader();
   SoWriter(*m_output).writeFile({root});

@@ -5,7 +5,7 @@
 class SoNode;
 class SoPath;
 
-/// Writes graphs as text to its output, which is opened before and closed afterwards by the caller:
+/// Writes graphs to its output, in the form that the output has, which is opened before and closed afterwards by the caller:
 ///
 ///     SoWriteAction action;
 ///     bool ok = action.getOutput()->openFile("scene.kv");
@@ -18,8 +18,8 @@ class SoWriteAction {
   explicit SoWriteAction(SoOutput* output) : m_output(output) {}
 
   SoOutput* getOutput() const { return m_output; }
-  /// Writes the header, if nothing was written yet, and the graph. A fault is kept by the output. The binary
-  /// form of graphs is such a fault.
+  /// Writes the header, if nothing was written yet, and the graph. A fault is kept by the output. A file in
+  /// binary form holds what one call writes.
   void apply(SoNode* root);
   /// Writes what lies at and below the head of a path.
   void apply(SoPath* path);

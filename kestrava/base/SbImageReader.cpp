@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <new>
 
 #include "kestrava/base/SbImageCodecs.h"
@@ -17,11 +18,28 @@ bool startsWith(SbImageBytes const& file, std::initializer_list<unsigned char> b
   return file.size() >= bytes.size() && std::equal(bytes.begin(), bytes.end(), file.begin());
 }
 
+std::mutex mutex;
+
+std::vector<SbImageReader::Codec const*>& addedCodecs() {
+  static auto& instance = *new std::vector<SbImageReader::Codec const*>;
+  return instance;
+}
+
 std::string decode(SbImageBytes const& file, SbImage& image) {
   if (startsWith(file, {0x89, 'P', 'N', 'G'})) return SbDecodePng(file, image);
   if (startsWith(file, {0xff, 0xd8, 0xff})) return SbDecodeJpeg(file, image);
   if (startsWith(file, {0x01, 0xda})) return SbDecodeSgi(file, image);
-  return file.empty() ? "the file is empty" : "the file is neither JPEG nor PNG nor SGI RGB";
+  if (file.empty()) return "the file is empty";
+  std::unique_lock lock(mutex);
+  std::vector<SbImageReader::Codec const*> const codecs = addedCodecs();
+  lock.unlock();
+  std::string names = "JPEG, PNG or SGI RGB";
+  for (SbImageReader::Codec const* codec : codecs) {
+    if (codec->takes(file)) return codec->decode(file, image);
+    names = codec->name + (", " + names);
+  }
+  return "the file is none of " + names +
+         (codecs.empty() ? ", and other formats need the module \"image_formats\"" : "");
 }
 
 std::string readFile(SbString const& path, SbImageBytes& file) {
@@ -50,6 +68,16 @@ std::string SbCheckImageSize(long width, long height, int components, std::size_
   if (bytes == 0) return "an image of " + size + " is too large";
   if (bytes / ratio > fileBytes) return "the file is too short for " + size;
   return {};
+}
+
+void SbImageReader::addCodec(Codec const* codec) {
+  std::lock_guard lock(mutex);
+  addedCodecs().push_back(codec);
+}
+
+void SbImageReader::removeCodec(Codec const* codec) {
+  std::lock_guard lock(mutex);
+  std::erase(addedCodecs(), codec);
 }
 
 std::string SbImageReader::read(std::vector<unsigned char> const& file, SbImage& image) {

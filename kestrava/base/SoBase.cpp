@@ -1,5 +1,6 @@
 #include "kestrava/base/SoBase.h"
 
+#include <algorithm>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
@@ -72,12 +73,17 @@ void SoBase::unref() const {
 }
 
 SbName SoBase::toValidName(SbName const& name) {
-  std::string text = name.str();
-  for (char& c : text) {
+  auto const isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  auto const endsName = [](char c) {
     auto const u = static_cast<unsigned char>(c);
-    if (u <= ' ' || u == 0x7f || std::string_view("\"'\\{}[]#,+=~.").find(c) != std::string_view::npos) c = '_';
-  }
-  if (!text.empty() && text[0] >= '0' && text[0] <= '9') text.insert(text.begin(), '_');
+    return u <= ' ' || u == 0x7f || std::string_view("\"'\\{}[]#,+=~.").find(c) != std::string_view::npos;
+  };
+  std::string const& given = name.str();
+  // Nearly every name is valid, and need not be looked up again.
+  if (given.empty() || (!isDigit(given[0]) && std::none_of(given.begin(), given.end(), endsName))) return name;
+  std::string text = given;
+  std::replace_if(text.begin(), text.end(), endsName, '_');
+  if (isDigit(text[0])) text.insert(text.begin(), '_');
   return SbName(text);
 }
 

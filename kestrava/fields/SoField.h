@@ -10,8 +10,10 @@
 #include "kestrava/base/SoType.h"
 #include "kestrava/fields/SoFieldData.h"
 
+class SoCopier;
 class SoFieldContainer;
 class SoFieldSensor;
+class SoFieldWalk;
 class SoInput;
 class SoOutput;
 
@@ -36,7 +38,8 @@ class SoOutput;
 ///
 /// A connected field follows its source lazily: a change of the source marks it and tells its container; the
 /// value is fetched when somebody reads it. Setting a connected field breaks nothing: the next change of
-/// the source overwrites the value.
+/// the source overwrites the value. Everything that follows a change, through engines too, is marked before
+/// anybody is told of it. A connection keeps an engine or a global field alive, but no node.
 class SoField {
  public:
   /// Three bits that say what a field is for.
@@ -82,13 +85,22 @@ class SoField {
   /// Marks the present value as default or not; does not notify.
   void setDefault(bool on);
 
-  /// Takes the value from another field from now on. Refused (false, with a debug error) when the field is
-  /// `this`, when it would close a loop, or when the values can not be converted.
+  /// Takes the value from another field from now on. Refused (false, with a debug error) when this is an output
+  /// of an engine, when it would close a loop of fields and engines, or when the values can not be converted.
+  ///
+  /// Numbers (truth values, times and enumerations too) convert into each other, without a fraction and cut to the
+  /// range where the new type is one of integers, and so do vectors and colours of the same size; strings take the text of any value, and give
+  /// it where it fits. A field of many values follows a single one as its only value; a single one follows the
+  /// first of many.
   bool connectFrom(SoField* source);
   void disconnect();
   bool isConnected() const { return m_links && m_links->source; }
   SoField* getConnectedField() const { return m_links ? m_links->source : nullptr; }
+  /// True while the field follows what its class has connected it to: that need not be written to files.
+  bool isConnectionDefault() const { return m_flags & OWN_CONNECTION; }
   bool hasFollowers() const { return m_links && !m_links->followers.empty(); }
+  /// True while sensors are attached.
+  bool isWatched() const { return m_links && !m_links->sensors.empty(); }
   /// The fields that take their value from this one.
   std::vector<SoField*> getFollowers() const { return m_links ? m_links->followers : std::vector<SoField*>(); }
   /// True while a value is waiting at the source of the connection.
@@ -132,21 +144,51 @@ class SoField {
   /// Same type is given.
   virtual bool hasValueOf(SoField const& other) const = 0;
   virtual void takeValueOf(SoField const& other) = 0;
+  /// Takes a value for a copied graph: what refers to something inside of the original refers to its copy.
+  virtual void takeCopyOf(SoField const& other, SoCopier&) { takeValueOf(other); }
+
+  /// How many numbers make one value, 0 for values that are not made of numbers.
+  virtual int countNumbers() const { return 0; }
+  /// Appends the numbers of all values.
+  virtual void getNumbers(std::vector<double>&) const {}
+  /// Takes values that are made of as many numbers; a single-value field the first of them, where there is one.
+  virtual void setNumbers(std::vector<double> const&) {}
 
  private:
+  friend class SoCopier;
+  friend class SoEngine;
   friend class SoFieldContainer;
-  enum Flag : std::uint16_t { KIND_MASK = 7, IGNORED = 8, DEFAULT = 16, PENDING = 32, SILENT = 64, FETCHING = 128 };
+  friend class SoFieldWalk;
+  enum Flag : std::uint16_t {
+    KIND_MASK = 7,
+    IGNORED = 8,
+    DEFAULT = 16,
+    PENDING = 32,
+    SILENT = 64,
+    OWN_CONNECTION = 128,
+  };
   struct Links {
     SoField* source = nullptr;
     SoField const* parsedFor = nullptr;
     std::vector<SoField*> followers;
     std::vector<SoFieldSensor*> sensors;
+    std::uint32_t visit = 0;  // number of the last walk that came by
+    int listed = 0;           // in that many walks
   };
   Links& links();
+  void markPending();
+  void clearFlag(Flag flag) { m_flags = static_cast<std::uint16_t>(m_flags & ~flag); }
+  /// Appends what has to be evaluated before this field can be.
+  void addNeeded(std::vector<SoField*>& fields) const;
   void fetch();
-  bool follows(SoField const* other) const;
+  void takeWaiting();
+  bool isConvertible(SoField& source) const;
+  /// False, and unchanged, where this type has no such value.
+  bool convertFrom(SoField const& source, SbString* reason);
+  bool dependsOn(SoField const* other) const;
+  void link(SoField* source);
+  void unlink();
   void spread();
-  void notifySensors();
 
   SoFieldContainer* m_container;
   std::unique_ptr<Links> m_links;  // only where there is a connection or a sensor, or for a parsing copy

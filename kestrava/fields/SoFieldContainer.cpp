@@ -1,9 +1,11 @@
 #include "kestrava/fields/SoFieldContainer.h"
 
 #include <mutex>
+#include <optional>
 #include <unordered_map>
 
 #include "kestrava/base/SoPath.h"
+#include "kestrava/fields/SoFieldWalk.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/nodes/SoNode.h"
 #include "kestrava/sensors/SoNodeSensor.h"
@@ -59,6 +61,12 @@ void SoFieldContainer::adoptField(SoField* field, SbName const& name) {
   field->m_index = static_cast<std::uint16_t>(addField(field, name.c_str(), nullptr));
 }
 
+void SoFieldContainer::adoptField(SoField* field, SbName const& name, SoFieldData& table) {
+  field->m_container = this;
+  field->m_index = static_cast<std::uint16_t>(table.getNumFields());
+  table.m_entries.push_back({name, reinterpret_cast<char*>(field) - reinterpret_cast<char*>(this), {}});
+}
+
 SoField* SoFieldContainer::getField(SbName const& name) const {
   int const index = getFieldData()->getIndex(name);
   return index < 0 ? nullptr : getField(index);
@@ -92,7 +100,8 @@ bool SoFieldContainer::fieldsAreEqual(SoFieldContainer const& other) const {
 
 void SoFieldContainer::copyFieldValues(SoFieldContainer const& from, bool copyConnections) {
   bool const notifyBefore = enableNotify(false);
-  for (int i = 0; i < from.getNumFields(); ++i) {
+  // The first fields of an object may decide on which ones follow.
+  for (int i = 0; i < from.getNumFields() && i < getNumFields(); ++i) {
     SoField* source = from.getField(i);
     SoField* field = getField(i);
     bool const wasDefault = source->isDefault();
@@ -103,6 +112,15 @@ void SoFieldContainer::copyFieldValues(SoFieldContainer const& from, bool copyCo
   }
   enableNotify(notifyBefore);
   touch();
+}
+
+void SoFieldContainer::connectByDefault(SoField& field, SoField& source) {
+  if (!field.connectFrom(&source)) return;
+  field.m_flags |= SoField::OWN_CONNECTION | SoField::DEFAULT;
+}
+
+SoFieldContainer* SoFieldContainer::makeEmpty() const {
+  return static_cast<SoFieldContainer*>(getTypeId().createInstance());
 }
 
 SbName SoFieldContainer::getNetName() const {
@@ -165,6 +183,7 @@ void SoFieldContainer::notify(SoNotification const& notification) {
   static thread_local std::vector<Reached> reached;
   size_t const base = reached.size();
   SoNodeSensor::Dispatch dispatch;
+  std::optional<SoFieldWalk> referrers;  // fields that are watched and refer to something that changed
 
   m_visit = visit;
   reached.push_back({this, -1});
@@ -172,7 +191,7 @@ void SoFieldContainer::notify(SoNotification const& notification) {
     SoFieldContainer* const container = reached[i].container;
     container->changed(notification);
     SoAuditorList const& auditors = container->m_auditors;
-    for (int k = 0, n = auditors.getLength(); k < n; ++k) {
+    for (int k = 0; k < auditors.getLength(); ++k) {
       void* const auditor = auditors.getObject(k);
       SoFieldContainer* next = nullptr;
       switch (auditors.getKind(k)) {
@@ -180,7 +199,7 @@ void SoFieldContainer::notify(SoNotification const& notification) {
         case SoAuditorList::FIELD: {
           auto* field = static_cast<SoField*>(auditor);
           next = field->getContainer();
-          field->notifySensors();
+          if (field->isWatched()) (referrers ? *referrers : referrers.emplace()).reach(field);
           break;
         }
         case SoAuditorList::SENSOR: {
@@ -205,5 +224,6 @@ void SoFieldContainer::notify(SoNotification const& notification) {
     }
   }
   reached.resize(base);
+  if (referrers) referrers->tellSensors();
   dispatch.run(notification);
 }

@@ -41,6 +41,9 @@ constexpr char const* soTypeName(char const* className) {
   SO_CONTAINER_COMMON_(Class, Parent, ([]() -> void* { return static_cast<SoFieldContainer*>(new Class); }))
 #define SO_ABSTRACT_CONTAINER(Class, Parent) SO_CONTAINER_COMMON_(Class, Parent, nullptr)
 
+class SoCopier;
+class SoFieldWalk;
+
 /// An object with fields. Subclasses declare each field where it lives, with its name and default:
 ///
 ///     SoSFFloat radius{this, "radius", 1.0f};
@@ -63,6 +66,10 @@ class SoFieldContainer : public SoBase {
   /// Copies values and flags of all fields from an object of the same type; connections too when asked.
   void copyFieldValues(SoFieldContainer const& from, bool copyConnections = false);
 
+  /// The object that a text which was read into this one stands for; this one, mostly. Asked for once everything
+  /// in the braces has been read, before connections from here are made.
+  virtual SoFieldContainer* getMeant() { return this; }
+
   /// A second name, given by a host that replicates scenes; empty unless set.
   SbName getNetName() const;
   void setNetName(SbName const& name);
@@ -84,7 +91,11 @@ class SoFieldContainer : public SoBase {
   SoFieldContainer() = default;
   ~SoFieldContainer() override;
 
+  friend class SoCopier;
+  friend class SoEngine;
   friend class SoField;
+  friend class SoFieldWalk;
+  friend class SoRunTimeFields;
   friend class SoUnknownNode;
   /// The table of the class whose constructor is running, or of the object's class afterwards.
   virtual SoFieldData& getClassFieldData() const;
@@ -94,11 +105,37 @@ class SoFieldContainer : public SoBase {
   virtual std::vector<SoEnumSymbol>* getOpenSymbols(int) { return nullptr; }
   /// Makes a field that stands alone one of this object's; called by its constructor.
   void adoptField(SoField* field, SbName const& name);
+  /// The same for an object that answers a table of its own.
+  void adoptField(SoField* field, SbName const& name, SoFieldData& table);
   /// Called when a field of this object was set, before the notification goes out.
   virtual void fieldChanged(SoField*) {}
   /// From fieldChanged(): calls a function once the notification of that change has reached everybody. The
   /// function sees to it that what it needs is still there.
   static void afterNotification(std::function<void()> function);
+
+  /// Connects a field of this object as its class has it, from its constructor: the field counts as default.
+  static void connectByDefault(SoField& field, SoField& source);
+
+  // For a deep copy.
+  /// A new object of the same type, count 0, with the same fields; null when there can be none. Classes whose
+  /// fields are not the same in every object see to it that they are.
+  virtual SoFieldContainer* makeEmpty() const;
+  /// Takes what is neither a field nor a child from the original, an object of the same type. Called once the
+  /// whole copied graph stands; the copier knows what became of the objects in it. Names and flags are no
+  /// concern of this.
+  virtual void copyContents(SoFieldContainer const&, SoCopier&) {}
+
+  // For containers that compute fields from others (engines) or live for connections (global fields).
+  /// Declares this one of them; from the constructor, before any field is declared.
+  void serveConnections() { m_servesConnections = true; }
+  /// A field of this object has changed or will; what follows from that is to be entered in the walk.
+  virtual void inputReached(SoField*, SoFieldWalk&) {}
+  /// Appends the fields of this object from which a field of it is computed.
+  virtual void addInputsOf(SoField const*, std::vector<SoField*>&) const {}
+  /// Computes a field that needs it.
+  virtual void computeField(SoField*) {}
+  /// Somebody has begun or ceased to follow or watch a field.
+  virtual void listenersChanged(SoField*) {}
 
  private:
   /// Enters a field that is being constructed; answers its index.
@@ -108,4 +145,5 @@ class SoFieldContainer : public SoBase {
   std::uint32_t m_visit = 0;       // number of the last notification that came by
   std::uint16_t m_fieldCursor = 0;  // fields constructed so far
   bool m_notifyEnabled = true;
+  bool m_servesConnections = false;
 };

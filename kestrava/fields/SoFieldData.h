@@ -35,6 +35,8 @@ class SoFieldData {
 
   /// The same, for a table of one object that learns its symbols as it is read.
   std::vector<SoEnumSymbol>* getOpenSymbols(int index) { return &m_entries[index].symbols; }
+  /// Forgets the fields from an index on; for a table of one object.
+  void truncate(int length) { m_entries.resize(static_cast<std::size_t>(length)); }
 
  private:
   friend class SoFieldContainer;

@@ -35,6 +35,7 @@ class SoMFNode : public SoMField {
   bool set1(int index, char const* text) override;
   void deleteValues(int start, int count = -1) override;
   void insertSpace(int start, int count) override;
+  bool getOne(int index, SoField& single) const override;
   bool readValue(SoInput& in) override;
   void writeValue(SoOutput& out) const override;
 
@@ -42,6 +43,8 @@ class SoMFNode : public SoMField {
   friend class SoReader;
   bool hasValueOf(SoField const& other) const override;
   void takeValueOf(SoField const& other) override;
+  void appendValuesOf(SoMField const& other) override;
+  void takeCopyOf(SoField const& other, SoCopier& copier) override;
   /// False, with a debug error, for a node that contains this field's container.
   bool mayHold(SoNode* node) const;
   void hold(SoNode* node);

@@ -28,6 +28,7 @@ class SoMFPath : public SoMField {
   bool set1(int index, char const* text) override;
   void deleteValues(int start, int count = -1) override;
   void insertSpace(int start, int count) override;
+  bool getOne(int index, SoField& single) const override;
   bool readValue(SoInput& in) override { return SoReadList(in, m_values, SoReadPath); }
   void writeValue(SoOutput& out) const override {
     SoWriteCounted(out, static_cast<std::uint32_t>(m_values.size()),
@@ -37,6 +38,8 @@ class SoMFPath : public SoMField {
  protected:
   bool hasValueOf(SoField const& other) const override;
   void takeValueOf(SoField const& other) override { m_values = static_cast<SoMFPath const&>(other).m_values; }
+  void appendValuesOf(SoMField const& other) override;
+  void takeCopyOf(SoField const& other, SoCopier& copier) override;
 
  private:
   std::vector<SoRef<SoPath>> m_values;

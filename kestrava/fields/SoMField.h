@@ -1,9 +1,11 @@
 #pragma once
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 
-#include "kestrava/fields/SoField.h"
+#include "kestrava/fields/SoNumbers.h"
+#include "kestrava/fields/SoSField.h"
 #include "kestrava/io/SoValueIO.h"
 
 /// Base of the fields with any number of values; its type name is "MField".
@@ -19,9 +21,26 @@ class SoMField : public SoField {
   virtual void deleteValues(int start, int count = -1) = 0;
   /// Makes room for `count` default values before an index. Notifies.
   virtual void insertSpace(int start, int count) = 0;
+  /// Sets a single-value field to the value at an index; false where there is none or it does not fit.
+  virtual bool getOne(int index, SoField& single) const {
+    SbString text, reason;
+    if (index < 0 || index >= getNumValues()) return false;
+    get1(index, text);
+    return single.set(text.c_str(), &reason);
+  }
+  /// Adds the values of a field of the same type behind its own; false for another type. Notifies.
+  bool append(SoMField const& other) {
+    if (other.getTypeId() != getTypeId()) return false;
+    other.evaluate();
+    evaluate();
+    appendValuesOf(other);
+    valueChanged();
+    return true;
+  }
 
  protected:
   using SoField::SoField;
+  virtual void appendValuesOf(SoMField const& other) = 0;
 };
 
 /// A field with any number of values of a plain type, stored side by side.
@@ -106,6 +125,13 @@ class SoMFValue : public SoMField {
     valueChanged();
   }
 
+  bool getOne(int index, SoField& single) const override {
+    auto* const field = dynamic_cast<SoSFValue<T>*>(&single);
+    if (!field || index < 0 || index >= getNumValues()) return SoMField::getOne(index, single);
+    field->setValue(m_values[index]);
+    return true;
+  }
+
   bool readValue(SoInput& in) override { return SoReadValues(in, m_values); }
   void writeValue(SoOutput& out) const override { SoWriteValues(out, m_values); }
 
@@ -124,6 +150,28 @@ class SoMFValue : public SoMField {
     return m_values == static_cast<SoMFValue const&>(other).m_values;
   }
   void takeValueOf(SoField const& other) override { m_values = static_cast<SoMFValue const&>(other).m_values; }
+  void appendValuesOf(SoMField const& other) override {
+    auto const& values = static_cast<SoMFValue const&>(other).m_values;
+    m_values.reserve(m_values.size() + values.size());  // also where the other one is this one
+    std::copy_n(values.begin(), values.size(), std::back_inserter(m_values));
+  }
+  int countNumbers() const override { return SoNumbers<T>::COUNT; }
+  void getNumbers(std::vector<double>& numbers) const override {
+    if constexpr (SoNumbers<T>::COUNT > 0) {
+      std::size_t next = numbers.size();
+      numbers.resize(next + m_values.size() * SoNumbers<T>::COUNT);
+      for (T const& value : m_values) {
+        SoNumbers<T>::get(value, &numbers[next]);
+        next += SoNumbers<T>::COUNT;
+      }
+    }
+  }
+  void setNumbers(std::vector<double> const& numbers) override {
+    if constexpr (SoNumbers<T>::COUNT > 0) {
+      m_values.resize(numbers.size() / SoNumbers<T>::COUNT);
+      for (std::size_t i = 0; i < m_values.size(); ++i) m_values[i] = SoNumbers<T>::make(&numbers[i * SoNumbers<T>::COUNT]);
+    }
+  }
 
   std::vector<T> m_values;
 };

@@ -26,6 +26,7 @@ bool SoSFArray::readValue(SoInput& in) {
                        std::to_string(size[2]) + " numbers is not possible");
   }
   m_size = size;
+  if (in.isBinary()) return SoReadBlock(in, m_values, static_cast<std::size_t>(count));
   m_values.clear();
   while (static_cast<std::ptrdiff_t>(m_values.size()) < count) {
     float value = 0;
@@ -37,14 +38,13 @@ bool SoSFArray::readValue(SoInput& in) {
 
 void SoSFArray::writeValue(SoOutput& out) const {
   SoWriteValue(out, m_size);
+  if (out.isBinary()) return SoWriteBlock(out, m_values.data(), m_values.size());
   for (float value : m_values) {
-    if (!out.isBinary()) {
-      constexpr int USUAL_LINE = 90;
-      if (out.getColumn() > USUAL_LINE) {
-        out.newLine();
-      } else {
-        out.put(" ");
-      }
+    constexpr int USUAL_LINE = 90;
+    if (out.getColumn() > USUAL_LINE) {
+      out.newLine();
+    } else {
+      out.put(" ");
     }
     out.write(value);
   }

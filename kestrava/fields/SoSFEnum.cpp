@@ -1,5 +1,7 @@
 #include "kestrava/fields/SoSFEnum.h"
 
+#include <algorithm>
+
 #include "kestrava/base/SoError.h"
 #include "kestrava/fields/SoMFEnum.h"
 #include "kestrava/fields/SoSFBitMask.h"
@@ -49,16 +51,31 @@ bool readNumber(SoInput& in, int& value) {
   return true;
 }
 
+/// Names in binary data may be any text.
+bool isSymbol(SbString const& name) {
+  std::string const& text = name.str();
+  return !text.empty() && !SoNumberText::isDigit(text[0]) &&
+         std::all_of(text.begin(), text.end(), [](char c) { return SoNumberText::is(c, SoNumberText::IDENTIFIER); });
+}
+
 void enterSymbol(std::vector<SoEnumSymbol>& open, SbString const& name, int value) {
   open.push_back({SbName(name).c_str(), value});  // names live as long as the process
 }
 
-// One symbol or number of a bit mask.
-bool readBits(SoInput& in, int& value, std::vector<SoEnumSymbol> const& symbols, std::vector<SoEnumSymbol>* open) {
-  if (isNumberNext(in)) return readNumber(in, value);
-  int const line = (in.peek(), in.getLine());
-  SbString name;
-  if (!in.readIdentifier(name)) return false;
+bool valueOfSymbol(SoInput& in, SbString const& name, int& value, std::vector<SoEnumSymbol> const& symbols,
+                   std::vector<SoEnumSymbol>* open, int line) {
+  if (SoEnumSymbol const* symbol = findSymbol(symbols, name.str())) {
+    value = symbol->value;
+    return true;
+  }
+  if (!open || !isSymbol(name)) return failSymbol(in, name, symbols, line);
+  value = static_cast<int>(open->size());
+  enterSymbol(*open, name, value);
+  return true;
+}
+
+bool bitsOfSymbol(SoInput& in, SbString const& name, int& value, std::vector<SoEnumSymbol> const& symbols,
+                  std::vector<SoEnumSymbol>* open, int line) {
   if (SoEnumSymbol const* symbol = findSymbol(symbols, name.str())) {
     value = symbol->value;
   } else if (name == SbString("NONE")) {
@@ -67,57 +84,80 @@ bool readBits(SoInput& in, int& value, std::vector<SoEnumSymbol> const& symbols,
     value = open ? -1 : allBits(symbols);
   } else {
     constexpr std::size_t MOST_BITS = 31;
-    if (!open || open->size() >= MOST_BITS) return failSymbol(in, name, symbols, line);
+    if (!open || open->size() >= MOST_BITS || !isSymbol(name)) return failSymbol(in, name, symbols, line);
     value = 1 << open->size();
     enterSymbol(*open, name, value);
   }
   return true;
 }
 
+// One symbol or number of a bit mask.
+bool readBits(SoInput& in, int& value, std::vector<SoEnumSymbol> const& symbols, std::vector<SoEnumSymbol>* open) {
+  if (isNumberNext(in)) return readNumber(in, value);
+  int const line = (in.peek(), in.getLine());
+  SbString name;
+  return in.readIdentifier(name) && bitsOfSymbol(in, name, value, symbols, open, line);
+}
+
+/// The symbols that make up a mask, and the bits that none of them has.
+std::vector<char const*> symbolsOf(int& value, std::vector<SoEnumSymbol> const& symbols, bool isOpen) {
+  std::vector<char const*> names;
+  if (SoEnumSymbol const* const whole = findValue(symbols, value)) {
+    names.push_back(whole->name);
+  } else if (value == 0) {
+    names.push_back("NONE");
+  } else if ((!isOpen && value == allBits(symbols)) || value == -1) {
+    names.push_back("ALL");
+  } else {
+    for (SoEnumSymbol const& symbol : symbols) {
+      if (symbol.value == 0 || (value & symbol.value) != symbol.value) continue;
+      names.push_back(symbol.name);
+      value &= ~symbol.value;
+    }
+    return names;
+  }
+  value = 0;
+  return names;
+}
+
 }  // namespace
 
 void SoWriteEnum(SoOutput& out, int value, std::vector<SoEnumSymbol> const& symbols) {
-  SoEnumSymbol const* const symbol = out.isBinary() ? nullptr : findValue(symbols, value);
-  if (symbol) {
-    out.put(symbol->name);
-  } else {
+  SoEnumSymbol const* const symbol = findValue(symbols, value);
+  if (out.isBinary()) out.writeName(symbol ? SbName(symbol->name) : SbName());  // the empty name: a number follows
+  if (!symbol) {
     out.write(value);
+  } else if (!out.isBinary()) {
+    out.put(symbol->name);
   }
 }
 
 bool SoReadEnum(SoInput& in, int& value, std::vector<SoEnumSymbol> const& symbols, std::vector<SoEnumSymbol>* open) {
-  if (in.isBinary() || isNumberNext(in)) return readNumber(in, value);
+  if (in.isBinary()) {
+    SbName name;
+    if (!in.readName(name)) return false;
+    return name.empty() ? readNumber(in, value) : valueOfSymbol(in, name.toString(), value, symbols, open, 0);
+  }
+  if (isNumberNext(in)) return readNumber(in, value);
   int const line = (in.peek(), in.getLine());
   SbString name;
-  if (!in.readIdentifier(name)) return false;
-  if (SoEnumSymbol const* symbol = findSymbol(symbols, name.str())) {
-    value = symbol->value;
-    return true;
-  }
-  if (!open) return failSymbol(in, name, symbols, line);
-  value = static_cast<int>(open->size());
-  enterSymbol(*open, name, value);
-  return true;
+  return in.readIdentifier(name) && valueOfSymbol(in, name, value, symbols, open, line);
 }
 
 void SoWriteBitMask(SoOutput& out, int value, std::vector<SoEnumSymbol> const& symbols, bool isOpen) {
-  SoEnumSymbol const* const whole = findValue(symbols, value);
+  std::vector<char const*> const names = symbolsOf(value, symbols, isOpen);
   if (out.isBinary()) {
+    out.writeCount(static_cast<std::uint32_t>(names.size()));
+    for (char const* name : names) out.writeName(SbName(name));
     out.write(value);
-  } else if (whole) {
-    out.put(whole->name);
-  } else if (value == 0) {
-    out.put("NONE");
-  } else if ((!isOpen && value == allBits(symbols)) || value == -1) {
-    out.put("ALL");
+  } else if (names.size() == 1 && value == 0) {
+    out.put(names[0]);
   } else {
     char const* separator = "( ";
-    for (SoEnumSymbol const& symbol : symbols) {
-      if (symbol.value == 0 || (value & symbol.value) != symbol.value) continue;
+    for (char const* name : names) {
       out.put(separator);
-      out.put(symbol.name);
+      out.put(name);
       separator = " | ";
-      value &= ~symbol.value;
     }
     if (value != 0) {
       out.put(separator);
@@ -129,11 +169,19 @@ void SoWriteBitMask(SoOutput& out, int value, std::vector<SoEnumSymbol> const& s
 
 bool SoReadBitMask(SoInput& in, int& value, std::vector<SoEnumSymbol> const& symbols,
                    std::vector<SoEnumSymbol>* open) {
-  if (in.isBinary()) return readNumber(in, value);
+  int bits = 0, part = 0;
+  if (in.isBinary()) {
+    std::uint32_t count = 0;
+    if (!in.readCount(count, sizeof count)) return false;
+    for (SbName name; count > 0; --count, bits |= part) {
+      if (!in.readName(name) || !bitsOfSymbol(in, name.toString(), part, symbols, open, 0)) return false;
+    }
+    if (!readNumber(in, part)) return false;
+    value = bits | part;
+    return true;
+  }
   if (!in.skip('(')) return readBits(in, value, symbols, open);
-  int bits = 0;
   do {
-    int part = 0;
     if (!readBits(in, part, symbols, open)) return false;
     bits |= part;
   } while (in.skip('|'));

@@ -36,6 +36,11 @@ class SoSFEnum : public SoSField {
     return getValue() == static_cast<SoSFEnum const&>(other).getValue();
   }
   void takeValueOf(SoField const& other) override { m_value = static_cast<SoSFEnum const&>(other).m_value; }
+  int countNumbers() const override { return 1; }
+  void getNumbers(std::vector<double>& numbers) const override { numbers.push_back(m_value); }
+  void setNumbers(std::vector<double> const& numbers) override {
+    if (!numbers.empty()) m_value = SoNumbers<int>::make(numbers.data());
+  }
   int m_value = 0;
 };
 

@@ -4,6 +4,7 @@
 
 #include "kestrava/fields/SoFieldContainer.h"
 #include "kestrava/fields/SoSFNode.h"
+#include "kestrava/nodes/SoCopier.h"
 #include "kestrava/nodes/SoNode.h"
 
 SoSFFieldContainer::SoSFFieldContainer(SoFieldContainer* container, char const* name, SoFieldContainer* value,
@@ -29,6 +30,10 @@ void SoSFFieldContainer::setValue(SoFieldContainer* value) {
   SoRef<SoFieldContainer> const old(m_value);  // lives until everybody has heard of the change
   hold(value);
   valueChanged();
+}
+
+void SoSFFieldContainer::takeCopyOf(SoField const& other, SoCopier& copier) {
+  hold(copier.copyOf(static_cast<SoSFFieldContainer const&>(other).m_value));
 }
 
 bool SoSFFieldContainer::readValue(SoInput& in) {

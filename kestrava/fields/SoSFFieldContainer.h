@@ -29,6 +29,7 @@ class SoSFFieldContainer : public SoSField {
     return getValue() == static_cast<SoSFFieldContainer const&>(other).getValue();
   }
   void takeValueOf(SoField const& other) override { hold(static_cast<SoSFFieldContainer const&>(other).m_value); }
+  void takeCopyOf(SoField const& other, SoCopier& copier) override;
 
  private:
   void hold(SoFieldContainer* value);

@@ -2,6 +2,7 @@
 
 #include "kestrava/base/SoError.h"
 #include "kestrava/fields/SoMFNode.h"
+#include "kestrava/nodes/SoCopier.h"
 #include "kestrava/nodes/SoNode.h"
 
 namespace {
@@ -48,6 +49,10 @@ void SoSFNode::setValue(SoNode* node) {
 
 bool SoSFNode::hasValueOf(SoField const& other) const {
   return getValue() == static_cast<SoSFNode const&>(other).getValue();
+}
+
+void SoSFNode::takeCopyOf(SoField const& other, SoCopier& copier) {
+  hold(copier.copyOf(static_cast<SoSFNode const&>(other).m_value));
 }
 
 SoMFNode::~SoMFNode() {
@@ -117,4 +122,22 @@ void SoMFNode::takeValueOf(SoField const& other) {
   std::vector<SoNode*> const nodes = static_cast<SoMFNode const&>(other).m_values;
   for (SoNode* node : nodes) hold(node);
   for (SoNode* node : std::exchange(m_values, nodes)) release(node);
+}
+
+void SoMFNode::takeCopyOf(SoField const& other, SoCopier& copier) {
+  std::vector<SoNode*> nodes = static_cast<SoMFNode const&>(other).m_values;
+  for (SoNode*& node : nodes) hold(node = copier.copyOf(node));
+  for (SoNode* node : std::exchange(m_values, std::move(nodes))) release(node);
+}
+
+bool SoMFNode::getOne(int index, SoField& single) const {
+  if (index < 0 || index >= getNumValues() || !single.isOfType(SoSFNode::getClassTypeId())) return false;
+  static_cast<SoSFNode&>(single).setValue(m_values[index]);
+  return true;
+}
+
+void SoMFNode::appendValuesOf(SoMField const& other) {
+  std::vector<SoNode*> const nodes = static_cast<SoMFNode const&>(other).m_values;
+  for (SoNode* node : nodes) hold(node);
+  m_values.insert(m_values.end(), nodes.begin(), nodes.end());
 }

@@ -3,42 +3,10 @@
 #include "kestrava/fields/SoMFPath.h"
 #include "kestrava/io/SoReader.h"
 #include "kestrava/io/SoWriter.h"
+#include "kestrava/nodes/SoCopier.h"
 
-namespace {
-
-bool readSteps(SoInput& in, SoPath& path) {
-  std::vector<std::int32_t> indices;
-  if (!SoReadValues(in, indices)) return false;
-  for (int index : indices) {
-    if (!path.append(index)) return in.failText("a path has no child " + std::to_string(index) + " to go on with");
-  }
-  return true;
-}
-
-}  // namespace
-
-bool SoReadPath(SoInput& in, SoRef<SoPath>& path) {
-  path.reset();
-  if (in.isBinary()) return in.failText("paths are read from the ASCII form only");
-  if (in.skipWord("NULL")) return true;
-  if (!in.skipWord("Path")) return in.fail("Path or NULL");
-  if (!in.expect('{')) return false;
-  SoRef<SoNode> const head = SoReader(in).readNode();
-  if (!head) return false;
-  path = SoRef<SoPath>(new SoPath(head));
-  return readSteps(in, *path) && in.expect('}');
-}
-
-void SoWritePath(SoOutput& out, SoPath const* path) {
-  if (!path || path->getLength() == 0) return out.put("NULL");
-  out.put("Path { ");
-  SoWriter(out).writeValues({path->getHead()}, false);
-  std::vector<std::int32_t> indices;
-  for (int i = 1; i < path->getLength(); ++i) indices.push_back(path->getIndex(i));
-  out.put(" ");
-  SoWriteValues(out, indices);
-  out.put(" }");
-}
+bool SoReadPath(SoInput& in, SoRef<SoPath>& path) { return SoReader(in).readPath(path); }
+void SoWritePath(SoOutput& out, SoPath const* path) { SoWriter(out).writePath(path); }
 
 bool SoSamePath(SoPath const* a, SoPath const* b) { return a == b || (a && b && *a == *b); }
 
@@ -47,6 +15,18 @@ void SoSFPath::writeValue(SoOutput& out) const { SoWritePath(out, m_value); }
 
 bool SoSFPath::hasValueOf(SoField const& other) const {
   return SoSamePath(getValue(), static_cast<SoSFPath const&>(other).getValue());
+}
+
+void SoSFPath::takeCopyOf(SoField const& other, SoCopier& copier) {
+  takeValueOf(other);
+  copier.later([this, &copier] { m_value = copier.copyOf(m_value.get()); });
+}
+
+void SoMFPath::takeCopyOf(SoField const& other, SoCopier& copier) {
+  takeValueOf(other);
+  copier.later([this, &copier] {
+    for (SoRef<SoPath>& path : m_values) path = copier.copyOf(path.get());
+  });
 }
 
 void SoMFPath::get1(int index, SbString& text) const {
@@ -87,4 +67,15 @@ bool SoMFPath::hasValueOf(SoField const& other) const {
     if (!SoSamePath((*this)[i], paths[i])) return false;
   }
   return true;
+}
+
+bool SoMFPath::getOne(int index, SoField& single) const {
+  if (index < 0 || index >= getNumValues() || !single.isOfType(SoSFPath::getClassTypeId())) return false;
+  static_cast<SoSFPath&>(single).setValue(m_values[index]);
+  return true;
+}
+
+void SoMFPath::appendValuesOf(SoMField const& other) {
+  std::vector<SoRef<SoPath>> const paths = static_cast<SoMFPath const&>(other).m_values;
+  m_values.insert(m_values.end(), paths.begin(), paths.end());
 }

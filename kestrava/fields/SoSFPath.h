@@ -28,6 +28,7 @@ class SoSFPath : public SoSField {
  protected:
   bool hasValueOf(SoField const& other) const override;
   void takeValueOf(SoField const& other) override { m_value = static_cast<SoSFPath const&>(other).m_value; }
+  void takeCopyOf(SoField const& other, SoCopier& copier) override;
 
  private:
   SoRef<SoPath> m_value;

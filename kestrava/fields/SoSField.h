@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kestrava/fields/SoField.h"
+#include "kestrava/fields/SoNumbers.h"
 #include "kestrava/io/SoValueIO.h"
 
 /// Base of the fields with one value; its type name is "SField".
@@ -44,6 +45,18 @@ class SoSFValue : public SoSField {
     return m_value == static_cast<SoSFValue const&>(other).m_value;
   }
   void takeValueOf(SoField const& other) override { m_value = static_cast<SoSFValue const&>(other).m_value; }
+  int countNumbers() const override { return SoNumbers<T>::COUNT; }
+  void getNumbers(std::vector<double>& numbers) const override {
+    if constexpr (SoNumbers<T>::COUNT > 0) {
+      numbers.resize(numbers.size() + SoNumbers<T>::COUNT);
+      SoNumbers<T>::get(m_value, &numbers[numbers.size() - SoNumbers<T>::COUNT]);
+    }
+  }
+  void setNumbers(std::vector<double> const& numbers) override {
+    if constexpr (SoNumbers<T>::COUNT > 0) {
+      if (!numbers.empty()) m_value = SoNumbers<T>::make(numbers.data());
+    }
+  }
 
   T m_value;
 };

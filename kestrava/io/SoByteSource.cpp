@@ -29,6 +29,7 @@ class FileBytes : public SoByteSource {
       return 0;
     }
   }
+  std::uint64_t getMostLeft() const override { return m_done >= m_size ? 0 : m_size - m_done; }
   double getProgress() const override {
     return m_done >= m_size ? 1.0 : static_cast<double>(m_done) / static_cast<double>(m_size);
   }
@@ -47,6 +48,7 @@ class TextBytes : public SoByteSource {
     m_done += count;
     return count;
   }
+  std::uint64_t getMostLeft() const override { return m_text->size() - m_done; }
   double getProgress() const override {
     return m_text->empty() ? 1.0 : static_cast<double>(m_done) / static_cast<double>(m_text->size());
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -17,6 +18,8 @@ class SoByteSource {
   virtual std::size_t read(char* to, std::size_t space) = 0;
   /// What went wrong; empty as long as nothing did.
   SbString const& getFault() const { return m_fault; }
+  /// No more bytes than these are to come; the largest number where that is not known.
+  virtual std::uint64_t getMostLeft() const { return ~std::uint64_t{0}; }
   /// Share of the stored bytes that has been read, 0 to 1.
   virtual double getProgress() const = 0;
 

@@ -2,16 +2,50 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <filesystem>
+#include <map>
 #include <mutex>
 #include <thread>
 
+#include "kestrava/base/SbFileHelper.h"
+#include "kestrava/base/SoError.h"
+#include "kestrava/io/SoImporter.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/io/SoReader.h"
+#include "kestrava/io/SoSearchPath.h"
 
 namespace {
 
 std::atomic<bool> initialized{false};
-thread_local std::vector<SbString> filesBeingRead;
+
+/// What this thread reads.
+struct Reading {
+  std::vector<SbString> files;
+  std::map<std::string, SoRef<SoNode>> included;  // by canonical name; null after a fault
+};
+thread_local Reading reading;
+
+bool isSameFile(SbString const& a, SbString const& b) {
+  std::error_code ignored;
+  return a == b || std::filesystem::equivalent(a.str(), b.str(), ignored);
+}
+
+std::string canonicalName(SbString const& name) {
+  std::error_code failed;
+  auto const path = std::filesystem::canonical(name.str(), failed);
+  return failed ? name.str() : path.string();  // in-memory files have no path
+}
+
+/// The root of what an importer makes of a file that is none of the toolkit's own; the stream's fault becomes
+/// that of the importer, or none.
+SoNode* import(SoInput& in) {
+  SbString fault;
+  SoRef<SoNode> root = SoImporter::readFile(
+      in.getCurFileName(), [&in](double percent) { in.updateReadPercent(percent); }, fault);
+  if (!root && fault.empty()) return nullptr;
+  in.replaceFault(fault);
+  return root.release();
+}
 
 /// Shared by readers, exclusive for a writer, recursive for both.
 class DatabaseLock {
@@ -76,15 +110,60 @@ void SoDB::init() { initialized = true; }
 void SoDB::finish() { initialized = false; }
 bool SoDB::isInitialized() { return initialized; }
 
-SoNode* SoDB::readAll(SoInput* in) {
+SoNode* SoDB::readAll(SoInput* in, bool* hasAddedRoot) {
+  if (hasAddedRoot) *hasAddedRoot = false;
   if (!in) return nullptr;
-  filesBeingRead.push_back(in->getCurFileName());
-  SoNode* const root = SoReader(*in).readAll();
-  filesBeingRead.pop_back();
+  reading.files.push_back(in->getCurFileName());
+  // What the toolkit can not read itself has failed when it was opened.
+  SoNode* root = in->hasFailed() && in->isOpen() ? import(*in) : nullptr;
+  if (!root) {
+    SoReader reader(*in);
+    root = reader.readAll();
+    if (hasAddedRoot) *hasAddedRoot = reader.hasAddedRoot();
+  }
+  reading.files.pop_back();
+  if (reading.files.empty()) reading.included.clear();
   return root;
 }
 
-std::vector<SbString> const& SoDB::getFilesBeingRead() { return filesBeingRead; }
+std::vector<SbString> const& SoDB::getFilesBeingRead() { return reading.files; }
+
+SoRef<SoNode> SoDB::readIncluded(SbString const& name, std::vector<SbString> includers, SbString& fullName) {
+  fullName = SbString();
+  SbString const by = includers.empty() ? SbString() : includers.back();
+  auto complain = [&by](SbString const& file, char const* what) {
+    SoReadError::post("%s%sthe included file '%s' %s", by.c_str(), by.empty() ? "" : ": ", file.c_str(),
+                      what);
+    return SoRef<SoNode>();
+  };
+  SbString const wanted = SbFileHelper::expandString(name);
+  SbString const beside = SoSearchPath::getInMemoryText(wanted) ? wanted : SoSearchPath::findBeside(by, wanted);
+  SoInput in;
+  if (beside.empty() || !in.openFile(beside.c_str(), true, false)) return complain(name, "is not found");
+  SbString const found = in.getCurFileName();
+  for (SbString const& includer : includers) {
+    if (isSameFile(includer, found)) return complain(found, "includes itself");
+  }
+  if (static_cast<int>(includers.size()) >= MAX_INCLUDES)
+    return complain(found, "is included too deep in other files");
+  bool const isInner = !reading.files.empty();
+  std::string const key = canonicalName(found);
+  auto known = reading.included.find(key);
+  if (!isInner || known == reading.included.end()) {
+    in.setIncludedBy(by);
+    std::swap(reading.files, includers);
+    SoRef<SoNode> const root(readAll(&in));
+    std::swap(reading.files, includers);
+    if (!isInner) {
+      reading.included.clear();
+      if (root) fullName = found;
+      return root;
+    }
+    known = reading.included.insert_or_assign(key, root).first;
+  }
+  if (known->second) fullName = found;
+  return known->second;
+}
 
 void SoDB::writelock() { databaseLock().lock(); }
 void SoDB::writeunlock() { databaseLock().unlock(); }

@@ -79,9 +79,12 @@ void SoInput::setBuffer(std::string_view text, bool binary) {
   m_before = 0;
   m_lastBefore = 0;
   m_fault = SbString();
-  m_faultLine = 0;
-  m_binary = binary;
+  m_faultPlace = 0;
+  m_names.clear();
   m_failed = m_posted = false;
+  std::string const header = SoOutput::getDefaultBinaryHeader().str() + "\n";
+  m_binary = binary || text.starts_with(header);
+  if (text.starts_with(header)) m_next += header.size();
 }
 
 void SoInput::readHeader() {
@@ -113,6 +116,10 @@ void SoInput::readHeader() {
   if (m_binary || source.header == SoOutput::getDefaultASCIIHeader()) {
     m_next += length;
     if (m_binary && m_next != m_end) ++m_next;
+  } else if (line.starts_with("#Kestrava V") && (line.ends_with(" ascii") || line.ends_with(" binary"))) {
+    std::string_view version = line.substr(11);
+    version = version.substr(0, version.find(' '));
+    failText("the file is of version " + shorten(version).str() + ", and only files of version 1.0 can be read", 1);
   } else {
     failText("expected the header \"" + SoOutput::getDefaultASCIIHeader().str() + "\", found \"" +
                  shorten(line).str() + "\"",
@@ -152,7 +159,7 @@ SbString SoInput::findFile(SbString const& name) { return SoSearchPath::find(nam
 // Brings more of the file into memory behind what is not read yet, which may move. False at the end.
 bool SoInput::more() {
   if (!m_source || !m_source->bytes) return false;
-  getLine();
+  if (!m_binary) getLine();
   std::vector<char>& buffer = m_source->buffer;
   auto const kept = static_cast<std::size_t>(m_end - m_next);
   if (m_next != m_start) m_lastBefore = m_next[-1];
@@ -163,17 +170,36 @@ bool SoInput::more() {
   std::size_t const count = m_source->bytes->read(buffer.data() + kept, buffer.size() - kept);
   m_start = m_next = m_counted = buffer.data();
   m_end = m_next + kept + count;
+  reportProgress(count == 0);
+  return count > 0 || endSource();
+}
 
-  double const percent = m_before == 0 ? 0 : count == 0 ? 100 : 100 * m_source->bytes->getProgress();
-  if (percent >= m_source->reported + PERCENT_STEP || (count == 0 && m_source->reported < 100)) {
-    m_source->reported = count == 0 ? 100 : std::min(percent, 100 - PERCENT_STEP);
-    updateReadPercent(m_source->reported);
-  }
-  if (count > 0) return true;
+void SoInput::reportProgress(bool isAtEnd) {
+  double const percent = m_before == 0 ? 0 : isAtEnd ? 100 : 100 * m_source->bytes->getProgress();
+  if (percent < m_source->reported + PERCENT_STEP && (!isAtEnd || m_source->reported >= 100)) return;
+  m_source->reported = isAtEnd ? 100 : std::min(percent, 100 - PERCENT_STEP);
+  updateReadPercent(m_source->reported);
+}
+
+bool SoInput::endSource() {
   SbString const fault = m_source->bytes->getFault();
   if (!fault.empty()) failText(fault);
   m_source->bytes.reset();
   return false;
+}
+
+// Past the buffer, of which nothing is left. For more than fits there.
+bool SoInput::readDirectly(char* to, std::size_t bytes) {
+  while (bytes > 0) {
+    std::size_t const count = m_source->bytes->read(to, bytes);
+    m_before += static_cast<std::uint64_t>(m_next - m_start) + count;
+    m_start = m_next = m_counted = m_end;
+    reportProgress(count == 0);
+    if (count == 0) return endSource();
+    to += count;
+    bytes -= count;
+  }
+  return true;
 }
 
 // At the end of what is in memory, or at a comment. False at the end of everything.
@@ -250,11 +276,6 @@ bool SoInput::readInteger(T& value) {
   value = static_cast<T>(negative ? std::uint64_t{0} - magnitude : magnitude);
   m_next += text.size();
   return true;
-}
-
-template <class T>
-bool SoInput::readBlock(T& value) {
-  return readBytes(&value, sizeof value);
 }
 
 bool SoInput::readSlow(float& value) { return m_binary ? readBlock(value) : readReal(value); }
@@ -348,6 +369,8 @@ bool SoInput::expect(char c) {
 bool SoInput::readBytes(void* to, std::size_t bytes) {
   auto* out = static_cast<char*>(to);
   while (bytes > 0) {
+    bool const isLong = bytes >= CHUNK && m_source && m_source->bytes;
+    if (m_next == m_end && isLong) return (readDirectly(out, bytes) && !m_failed) || failText("the data ends too early");
     if (m_next == m_end && !more()) return failText("the data ends too early");
     std::size_t const part = std::min(bytes, static_cast<std::size_t>(m_end - m_next));
     std::memcpy(out, m_next, part);
@@ -358,18 +381,39 @@ bool SoInput::readBytes(void* to, std::size_t bytes) {
   return !m_failed;
 }
 
+/// True when fewer bytes are certainly left.
+bool SoInput::isBeyond(std::uint64_t bytes) const {
+  auto const inMemory = static_cast<std::uint64_t>(m_end - m_next);
+  if (bytes <= inMemory) return false;
+  return !m_source || !m_source->bytes || bytes - inMemory > m_source->bytes->getMostLeft();
+}
+
 bool SoInput::readCount(std::uint32_t& count, std::size_t itemSize) {
   if (!readBlock(count)) return false;
-  if (!m_source && count > static_cast<std::size_t>(m_end - m_next) / itemSize) {
+  if (isBeyond(std::uint64_t{count} * itemSize)) {
     return failText("a count of " + std::to_string(count) + " is more than the data can hold");
   }
   return true;
 }
 
+bool SoInput::readName(SbName& name) {
+  std::uint32_t number = 0;
+  if (!readBlock(number)) return false;
+  if (number > m_names.size()) return failText("there is no name of the number " + std::to_string(number));
+  if (number == m_names.size()) {
+    SbName added;
+    if (!read(added) || !align(4)) return false;
+    m_names.push_back(added);
+  }
+  name = m_names[number];
+  return true;
+}
+
 bool SoInput::align(std::size_t alignment) {
-  std::uint64_t const position = m_before + static_cast<std::uint64_t>(m_next - m_start);
+  std::size_t const over = getOffset() % alignment;
+  if (over == 0) return !m_failed;
   char padding[64];
-  return readBytes(padding, static_cast<std::size_t>((alignment - position % alignment) % alignment));
+  return readBytes(padding, alignment - over);
 }
 
 int SoInput::getLine() const {
@@ -398,19 +442,25 @@ bool SoInput::fail(std::string_view expected) {
   return failText("expected " + std::string(expected) + ", found " + found.str(), line);
 }
 
-bool SoInput::failText(SbString const& what, int line) {
+bool SoInput::failText(SbString const& what, std::int64_t place) {
   if (m_failed) return false;
   m_failed = true;
   m_fault = what;
-  m_faultLine = line > 0 ? line : getLine();
+  m_faultPlace = place > 0 ? place : getPlace();
   return false;
+}
+
+void SoInput::replaceFault(SbString const& what) {
+  m_failed = !what.empty();
+  m_fault = what;
+  m_faultPlace = 0;
 }
 
 SbString SoInput::getErrorText() const {
   if (!m_failed || !m_source) return m_fault;
-  std::string const line = m_faultLine > 0 ? std::to_string(m_faultLine) + ":" : std::string();
+  std::string const place = m_faultPlace > 0 ? std::to_string(m_faultPlace) + ":" : std::string();
   std::string const by = m_includedBy.empty() ? std::string() : " (included by " + m_includedBy.str() + ")";
-  return m_source->name.str() + ":" + line + " " + m_fault.str() + by;
+  return m_source->name.str() + ":" + place + " " + m_fault.str() + by;
 }
 
 void SoInput::postError() {

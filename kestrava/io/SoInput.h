@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "kestrava/base/SbName.h"
 #include "kestrava/base/SbString.h"
@@ -11,8 +13,8 @@
 
 /// Reads scene text or binary data from a file (compressed or not), an in-memory file, or a buffer.
 ///
-/// The first fault of a read is kept with its line and what was expected there; after it every operation
-/// answers false. Nothing is posted until postError() is called.
+/// The first fault of a read is kept with its place (the line, in binary data the byte) and what was expected
+/// there; after it every operation answers false. Nothing is posted until postError() is called.
 class SoInput {
  public:
   SoInput();
@@ -26,7 +28,8 @@ class SoInput {
   /// (a folder, no permission, a wrong header) is kept for whoever reads: SoDB::readAll() posts it.
   bool openFile(char const* name, bool notFoundIsOk = false, bool aliases = true);
   void closeFile();
-  /// Reads from memory, without a header; the text must outlive the reading.
+  /// Reads from memory, without a header; the text must outlive the reading. Binary data that begins with its
+  /// header is taken as what it is.
   void setBuffer(std::string_view text, bool binary = false);
   /// The header line of the opened file; empty for a buffer.
   SbString getHeader() const;
@@ -89,7 +92,7 @@ class SoInput {
   bool skipWord(std::string_view word);
   /// Takes the character or fails with it as what was expected.
   bool expect(char c);
-  bool atEnd() { return peek() < 0; }
+  bool atEnd() { return m_binary ? m_next == m_end && !more() : peek() < 0; }
 
   // Binary structure.
   /// Copies `bytes` bytes; fails when fewer are left.
@@ -98,16 +101,20 @@ class SoInput {
   /// the caller may allocate for it. Where the rest is not known (compressed data) large counts are refused
   /// only as reading goes on: grow in steps then.
   bool readCount(std::uint32_t& count, std::size_t itemSize);
+  /// A name as SoOutput::writeName() writes it.
+  bool readName(SbName& name);
   /// Skips padding up to a multiple of `alignment` from the start of the data.
   bool align(std::size_t alignment);
 
   /// Notes the fault "expected <expected>, found ..." at the present line unless there is one already.
   /// Always false, so that a reader can end with `return in.fail(...)`.
   bool fail(std::string_view expected);
-  /// Notes a fault in full words, at a line other than the present one when that is given.
-  bool failText(SbString const& what, int line = 0);
+  /// Notes a fault in full words, at a place other than the present one when that is given.
+  bool failText(SbString const& what, std::int64_t place = 0);
+  /// Puts a fault of the file as a whole, or with an empty text none, in the place of the one that was noted.
+  void replaceFault(SbString const& what);
   bool hasFailed() const { return m_failed; }
-  /// "<file>:<line>: <what is wrong>"; without file and line for a buffer.
+  /// "<file>:<place>: <what is wrong>"; without file and place for a buffer.
   SbString getErrorText() const;
   /// Names the file that wanted this one; the text of a fault then names it too.
   void setIncludedBy(SbString const& name) { m_includedBy = name; }
@@ -115,6 +122,8 @@ class SoInput {
   void postError();
   /// The line of what comes next, 1 for the header.
   int getLine() const;
+  /// The line of what comes next, in binary data the number of bytes before it.
+  std::int64_t getPlace() const { return m_binary ? static_cast<std::int64_t>(getOffset()) : getLine(); }
 
  private:
   struct Source;
@@ -137,7 +146,14 @@ class SoInput {
   template <class T>
   bool readInteger(T& value);
   template <class T>
-  bool readBlock(T& value);
+  bool readBlock(T& value) {
+    if (static_cast<std::size_t>(m_end - m_next) < sizeof value) return readBytes(&value, sizeof value);
+    std::memcpy(&value, m_next, sizeof value);
+    m_next += sizeof value;
+    return !m_failed;
+  }
+  std::uint64_t getOffset() const { return m_before + static_cast<std::uint64_t>(m_next - m_start); }
+  bool isBeyond(std::uint64_t bytes) const;
   template <class Ends>
   std::string_view token(Ends ends);
   std::string_view numberToken();
@@ -147,6 +163,9 @@ class SoInput {
   void readHeader();
   bool skipMore();
   bool more();
+  bool readDirectly(char* to, std::size_t bytes);
+  void reportProgress(bool isAtEnd);
+  bool endSource();
 
   std::unique_ptr<Source> m_source;  // null while nothing is open, and for a buffer
   char const* m_next = nullptr;      // what is not read yet of the part that is in memory
@@ -157,7 +176,8 @@ class SoInput {
   std::uint64_t m_before = 0;  // bytes before that part
   char m_lastBefore = 0;       // the last one of them
   SbString m_fault;
-  int m_faultLine = 0;  // 0: of the file as a whole
+  std::int64_t m_faultPlace = 0;  // 0: of the file as a whole
+  std::vector<SbName> m_names;    // that readName() read
   SbString m_includedBy;
   bool m_binary = false;
   bool m_failed = false;

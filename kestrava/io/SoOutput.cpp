@@ -24,6 +24,7 @@ SoOutput::~SoOutput() = default;
 void SoOutput::reset() {
   m_target.reset();
   m_pending.clear();
+  m_names.clear();
   m_fault = SbString();
   m_lineStart = 0;
   m_before = 0;
@@ -145,6 +146,14 @@ void SoOutput::newLine() {
 }
 
 void SoOutput::writeBytes(void const* from, std::size_t bytes) { put({static_cast<char const*>(from), bytes}); }
+
+void SoOutput::writeName(SbName const& name) {
+  auto const [known, added] = m_names.try_emplace(name, static_cast<std::uint32_t>(m_names.size()));
+  write(known->second);
+  if (!added) return;
+  write(name);
+  align(4);
+}
 
 void SoOutput::align(std::size_t alignment) {
   std::uint64_t const position = m_before + m_pending.size();

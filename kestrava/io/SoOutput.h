@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "kestrava/base/SbName.h"
 #include "kestrava/base/SbString.h"
@@ -73,6 +74,8 @@ class SoOutput {
   // Binary structure.
   void writeBytes(void const* from, std::size_t bytes);
   void writeCount(std::uint32_t count) { write(count); }
+  /// A name that may come again: its number, after which the text follows the first time, padded to four bytes.
+  void writeName(SbName const& name);
   /// Pads with zero bytes to a multiple of `alignment` from the start of the data.
   void align(std::size_t alignment);
 
@@ -86,6 +89,7 @@ class SoOutput {
 
   std::unique_ptr<Target> m_target;  // null while no file is open
   std::string m_pending;             // not handed to the target yet
+  std::unordered_map<SbName, std::uint32_t> m_names;  // that writeName() wrote
   SbString m_header;
   SbString m_fault;
   std::ptrdiff_t m_lineStart = 0;  // of the present line from the start of m_pending

@@ -1,43 +1,39 @@
 #include "kestrava/io/SoReader.h"
 
 #include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoMFPath.h"
 #include "kestrava/fields/SoSFNode.h"
+#include "kestrava/fields/SoSFPath.h"
 #include "kestrava/io/SoInput.h"
+#include "kestrava/io/SoReadText.h"
+#include "kestrava/io/SoWriter.h"
 #include "kestrava/nodes/SoGroup.h"
-#include "kestrava/nodes/SoUnknownNode.h"
+
+using namespace SoReadText;
 
 namespace {
 
 constexpr std::size_t DEEPEST = 1'000'000;
 
-std::string quoted(SbString const& text) { return "'" + text.str() + "'"; }
-std::string typeText(SoNode const* node) {
-  auto const* unknown = dynamic_cast<SoUnknownNode const*>(node);
-  return unknown ? unknown->getFileTypeName().str() : node->getTypeId().getName().str();
-}
-
-/// A file's own field names are few: comparing texts is cheaper than entering each word among the names.
-SoField* findField(SoNode const* node, SbString const& name) {
-  SoFieldData const& data = *node->getFieldData();
-  for (int i = 0; i < data.getNumFields(); ++i) {
-    if (data.getFieldName(i).str() == name.str()) return data.getField(node, i);
+/// A value that holds a graph and is no node-valued field makes reading recursive.
+struct ValueDepth {
+  static constexpr int DEEPEST_VALUES = 20;
+  explicit ValueDepth(SoInput& in) : isFine(++open <= DEEPEST_VALUES) {
+    if (!isFine) in.failText("nodes inside of values are nested too deeply");
   }
-  return nullptr;
-}
+  ~ValueDepth() { --open; }
+  bool const isFine;
+  static thread_local int open;
+};
+thread_local int ValueDepth::open = 0;
 
-bool isChildContainer(SoNode const* node) { return node->isOfType(SoGroup::getClassTypeId()); }
-
-}  // namespace
+} // namespace
 
 SoNode* SoReader::readAll() {
   if (!m_in.isOpen()) return nullptr;
-  if (!m_in.hasFailed() && m_in.isBinary()) {
-    m_in.failText("the file is a binary scene file, and only the ASCII form can be read", 1);
-  }
-  bool ok = !m_in.hasFailed();
-  while (ok && !m_in.atEnd()) ok = readTopLevel();
-  ok = ok && !m_in.hasFailed() && makeConnections();
+  bool const ok = !m_in.hasFailed() && readRoots() && finish();
   m_definitions.clear();
+  m_numbered.clear();
   if (!ok) {
     m_frames.clear();
     m_complete.clear();
@@ -53,227 +49,118 @@ SoNode* SoReader::readAll() {
   return root;
 }
 
-SoRef<SoNode> SoReader::readNode() {
-  // A node inside a value that is not node-valued itself (a path's graph, an object's) makes this recursive.
-  constexpr int DEEPEST_VALUES = 20;
-  thread_local int open = 0;
-  if (open >= DEEPEST_VALUES) {
-    m_in.failText("nodes inside of values are nested too deeply");
-    return {};
+bool SoReader::readRoots() {
+  if (m_in.isBinary()) return readBytesRoots();
+  while (!m_in.atEnd()) {
+    if (!readTextRoot(Use::CHILD)) return false;
   }
-  ++open;
-  bool const ok = !m_in.hasFailed() && readTopLevel() && makeConnections();
-  --open;
-  if (!ok) return {};
-  SoRef<SoNode> node = std::move(m_complete.back());
+  return !m_in.hasFailed();
+}
+
+bool SoReader::readNode(SoRef<SoNode>& node) {
+  ValueDepth const depth(m_in);
+  if (!depth.isFine || m_in.hasFailed() || !readGraph(Use::VALUE) || !finish()) return false;
+  node = std::move(m_complete.back());
   m_complete.clear();
-  return node;
+  return true;
 }
 
-bool SoReader::isWordNext() {
-  int const next = m_in.peek();
-  return next >= 0 && next != '.' && !SoNumberText::is(static_cast<char>(next), SoNumberText::END_NUMBER);
+bool SoReader::readPath(SoRef<SoPath>& path) {
+  ValueDepth const depth(m_in);
+  if (!depth.isFine || m_in.hasFailed() || !readGraph(Use::HEAD) || !finish()) return false;
+  PathValue value = std::move(m_completePaths.back());
+  m_completePaths.clear();
+  return makePath(value, path);
 }
 
-bool SoReader::readTopLevel() {
-  if (!isWordNext()) return m_in.fail("a node");
-  int const line = m_in.getLine();
-  SbString word;
-  return m_in.readWord(word) && readNodeAfter(word, nullptr, line, "a node") && readEntries(0);
+// One value: a node, or (as a head) a path.
+bool SoReader::readGraph(Use use) {
+  if (!m_in.isBinary()) return readTextRoot(use);
+  Word word;
+  if (!readWord(word)) return false;
+  bool const ok = use == Use::HEAD ? readBytesPath(word, nullptr) : readBytesItem(word, nullptr, use);
+  return ok && readEntries(0);
 }
 
 // Until only `depth` frames are open.
 bool SoReader::readEntries(std::size_t depth) {
+  bool const isBinary = m_in.isBinary();
   while (m_frames.size() > depth) {
-    if (!readEntry()) return false;
+    if (!(isBinary ? readBytesEntry() : readTextEntry())) return false;
   }
   return true;
 }
 
-bool SoReader::readEntry() {
-  Frame& frame = m_frames.back();
-  if (frame.isList) {
-    return m_in.skip(']') ? closeList() : readNodeValue(frame.field);
-  }
-  if (m_in.skip('}')) return closeFrame();
-  SoNode* const node = frame.node;
-  int const next = m_in.peek();
-  if (next < 0) {
-    return m_in.fail("'}' for the " + typeText(node) + " of line " + std::to_string(frame.line));
-  }
-  int const line = m_in.getLine();
-  std::string const expected =
-      "a field of " + typeText(node) + (frame.children ? ", a node or '}'" : " or '}'");
-  SbString word;
-  if (!isWordNext()) return m_in.fail(expected);
-  if (!m_in.readWord(word)) return false;
-  if (SoField* field = findField(node, word)) return readField(field);
-  if (!frame.children) return m_in.failText("expected " + expected + ", found " + quoted(word), line);
-  return readNodeAfter(word, nullptr, line, expected);
-}
+bool SoReader::finish() { return makeConnections() && setPaths(); }
 
-bool SoReader::readField(SoField* field) {
-  int const next = m_in.peek();
-  if (next == '~' || next == '=') return readFieldEnd(field);
-  if (dynamic_cast<SoSFNode*>(field)) return readNodeValue(field);
-  if (dynamic_cast<SoMFNode*>(field)) {
-    if (!m_in.skip('[')) return readNodeValue(field);
-    Frame list;
-    list.field = field;
-    list.isList = true;
-    m_frames.push_back(std::move(list));
-    m_lists.emplace_back();
-    return true;
-  }
-  if (!field->readValue(m_in) || m_in.hasFailed()) return false;
-  field->valueChanged();
-  return readFieldEnd(field);
-}
-
-bool SoReader::readFieldEnd(SoField* field) {
-  if (m_in.skip('~')) field->setIgnored(true);
-  return !m_in.skip('=') || readSource(field);
-}
-
-bool SoReader::readSource(SoField* field) {
-  if (m_in.peek() < 0) return m_in.fail("a node's name and field");
-  Connection connection{field, m_frames.back().node, {}, {}, {}, m_in.getLine()};
-  SbString text;
-  if (m_in.peek() == '"') {
-    // A name in quotes may hold dots: the one that counts follows it.
-    if (!m_in.read(text) || !m_in.expect('.')) return false;
-    connection.sourceName = text.str();
-    if (!m_in.readWord(text)) return false;
-    connection.sourceField = text.str();
-  } else {
-    if (!m_in.read(text)) return false;
-    std::size_t const dot = text.str().rfind('.');
-    if (dot == std::string::npos) {
-      return m_in.failText("expected a node's name and field, found " + quoted(text), connection.line);
-    }
-    connection.sourceName = text.str().substr(0, dot);
-    connection.sourceField = text.str().substr(dot + 1);
-  }
-  auto const known = m_definitions.find(connection.sourceName);
-  if (known != m_definitions.end()) connection.source = known->second.node;
-  m_connections.push_back(std::move(connection));
-  return !m_in.hasFailed();
-}
-
-bool SoReader::readNodeValue(SoField* field) {
-  if (!isWordNext()) return m_in.fail("a node, USE or NULL");
-  int const line = m_in.getLine();
-  SbString word;
-  if (!m_in.readWord(word)) return false;
-  if (word == SbString("NULL")) return deliver({}, field);
-  return readNodeAfter(word, field, line, "a node, USE or NULL");
-}
-
-bool SoReader::readNodeAfter(SbString const& word, SoField* field, int line, SbString const& expected) {
-  SbString name;
-  if (word == SbString("USE")) {
-    if (!m_in.read(name)) return false;
-    auto const known = m_definitions.find(name.str());
-    if (known == m_definitions.end()) return m_in.failText("no node is defined as " + quoted(name), line);
-    if (known->second.isOpen) return m_in.failText("the node " + quoted(name) + " would contain itself", line);
-    return deliver(known->second.node, field);
-  }
-  if (word != SbString("DEF")) return readBody(word, SbString(), field, line, expected);
-  SbString type;
-  if (!m_in.read(name) || m_in.peek() < 0) return m_in.fail("a type of nodes");
-  int const typeLine = m_in.getLine();
-  return m_in.readWord(type) && readBody(type, name, field, typeLine, "a type of nodes");
-}
-
-bool SoReader::readBody(SbString const& typeName, SbString const& definedAs, SoField* field, int line,
-                        SbString const& expected) {
+bool SoReader::open(Frame frame, SbName const& name) {
   if (m_frames.size() >= DEEPEST) {
-    return m_in.failText("nodes are nested deeper than " + std::to_string(DEEPEST) + " levels", line);
+    return m_in.failText("nodes are nested deeper than " + std::to_string(DEEPEST) + " levels", frame.place);
   }
-  Frame frame;
-  frame.field = field;
-  frame.line = line;
-  SoType const type = typeOf(typeName);
-  if (type.isBad() || type.isDerivedFrom(SoUnknownNode::getClassTypeId())) {
-    frame.node = readUnknown(typeName, line, expected);
-    if (!frame.node) return false;
-  } else {
-    if (!type.canCreateInstance()) return m_in.failText("there are no nodes of the type " + quoted(typeName) + " itself", line);
-    frame.node = SoNode::create(type);
-    if (!m_in.expect('{')) return false;
+  frame.container->enableNotify(false);
+  if (!name.empty()) frame.container->setName(name);
+  if (frame.container->isOfType(SoGroup::getClassTypeId())) {
+    frame.children = static_cast<SoGroup*>(frame.container.get())->getChildren();
   }
-  frame.node->enableNotify(false);
-  if (isChildContainer(frame.node)) frame.children = frame.node->getChildren();
-  if (!definedAs.empty()) {
-    // What follows '+' only tells nodes of a file apart.
-    frame.node->setName(SbName(definedAs.str().substr(0, definedAs.str().find('+'))));
-    frame.definition = &(m_definitions[definedAs.str()] = {frame.node, true});
-  }
+  if (frame.definition) *frame.definition = {frame.container, true};
   m_frames.push_back(std::move(frame));
   return true;
 }
 
-SoType SoReader::typeOf(SbString const& name) {
-  auto const [known, added] = m_types.try_emplace(name.str());
-  if (added) {
-    SoType const type = SoType::fromName(SbName(name));
-    if (type.isDerivedFrom(SoNode::getClassTypeId())) known->second = type;
-  }
-  return known->second;
-}
-
-SoRef<SoNode> SoReader::readUnknown(SbString const& typeName, int line, SbString const& expected) {
-  if (m_in.peek() != '{') {
-    m_in.failText("expected " + expected.str() + ", found " + quoted(typeName), line);
-    return {};
-  }
-  m_in.skip('{');
-  if (!m_in.skipWord("fields")) {
-    m_in.failText("the type " + quoted(typeName) + " is not known, and its fields are not declared", line);
-    return {};
-  }
-  SoRef<SoUnknownNode> const node(new SoUnknownNode(SbName(typeName)));
-  if (!m_in.expect('[')) return {};
-  while (!m_in.skip(']')) {
-    SbString type, name;
-    if (m_in.peek() < 0) {
-      m_in.fail("']' at the end of the declared fields");
-      return {};
-    }
-    int const fieldLine = m_in.getLine();
-    if (!m_in.readWord(type) || !m_in.readWord(name)) return {};
-    if (node->declareField(SoType::fromName(SbName(type)), SbName(name))) continue;
-    m_in.failText("a field " + quoted(name) + " of type " + quoted(type) + " can not be declared", fieldLine);
-    return {};
-  }
-  return SoRef<SoNode>(node.get());
-}
-
-bool SoReader::closeFrame() {
+bool SoReader::close() {
   Frame frame = std::move(m_frames.back());
   m_frames.pop_back();
-  frame.node->enableNotify(true);
+  frame.container->enableNotify(true);
   Definition* const definition = frame.definition;
-  if (definition && definition->node.get() == frame.node.get()) definition->isOpen = false;
-  return deliver(std::move(frame.node), frame.field);
+  bool const isDefinition = definition && definition->container.get() == frame.container.get();
+  if (isDefinition) definition->isOpen = false;
+  if (frame.use != Use::SOURCE) {
+    return deliver(SoRef<SoNode>(static_cast<SoNode*>(frame.container.get())), frame.field, frame.use);
+  }
+  Container const meant(frame.container->getMeant());
+  if (isDefinition) definition->container = meant;
+  Connection connection{frame.field, m_frames.back().container, {meant, {}, nullptr}, {}, frame.place};
+  if (m_in.isBinary()) {
+    SbName output;
+    if (!m_in.align(4) || !m_in.readName(output)) return false;
+    connection.sourceField = output.str();
+  } else {
+    SbString output;
+    if (!m_in.expect('.') || !m_in.readWord(output)) return false;
+    connection.sourceField = output.str();
+  }
+  m_connections.push_back(std::move(connection));
+  return true;
 }
 
 bool SoReader::closeList() {
-  SoField* const field = m_frames.back().field;
-  std::vector<SoRef<SoNode>> const values = std::move(m_lists.back());
+  Frame const frame = std::move(m_frames.back());
   m_frames.pop_back();
-  m_lists.pop_back();
-  static_cast<SoMFNode*>(field)->setValues({values.begin(), values.end()});
-  return readFieldEnd(field);
+  if (frame.kind == Frame::PATHS) {
+    m_pathFields.push_back(std::move(m_pathLists.back()));
+    m_pathLists.pop_back();
+  } else {
+    std::vector<SoRef<SoNode>> const values = std::move(m_lists.back());
+    m_lists.pop_back();
+    static_cast<SoMFNode*>(frame.field)->setValues({values.begin(), values.end()});
+  }
+  return endField(frame.field);
 }
 
-bool SoReader::deliver(SoRef<SoNode> node, SoField* field) {
+// What follows a value.
+bool SoReader::endField(SoField* field) { return m_in.isBinary() || readTextFieldEnd(field); }
+
+bool SoReader::deliver(SoRef<SoNode> node, SoField* field, Use use) {
   if (m_frames.empty()) {
     m_complete.push_back(std::move(node));
     return true;
   }
   Frame& frame = m_frames.back();
-  if (frame.isList) {
+  if (use == Use::HEAD) {
+    m_openPaths.back().head.container = Container(node.get());
+    return true;
+  }
+  if (frame.kind == Frame::NODES) {
     m_lists.back().push_back(std::move(node));
     return true;
   }
@@ -281,38 +168,117 @@ bool SoReader::deliver(SoRef<SoNode> node, SoField* field) {
     frame.children->append(node);
     return true;
   }
-  if (auto* single = dynamic_cast<SoSFNode*>(field)) {
+  if (SoGraphSurvey::kindOf(field) == SoGraphSurvey::FieldKind::NODE) {
+    auto* const single = static_cast<SoSFNode*>(field);
     single->setValue(node);
     if (single->getValue() != node.get()) {
-      return m_in.failText("the field '" + field->getName().str() + "' of " + typeText(frame.node) +
+      return m_in.failText("the field '" + field->getName().str() + "' of " + typeText(frame.container) +
                            " takes no " + typeText(node));
     }
   } else {
     static_cast<SoMFNode*>(field)->setValue(node);
   }
-  return readFieldEnd(field);
+  return endField(field);
+}
+
+bool SoReader::deliverUse(Definition const& definition, SbString const& name, SoField* field, Use use,
+                          std::int64_t place) {
+  if (definition.isOpen) return m_in.failText("the node " + quoted(name) + " would contain itself", place);
+  if (!definition.container->isOfType(SoNode::getClassTypeId())) {
+    return m_in.failText(quoted(name) + " is no node but a " + typeText(definition.container), place);
+  }
+  return deliver(SoRef<SoNode>(static_cast<SoNode*>(definition.container.get())), field, use);
+}
+
+// The path on top has all its steps.
+bool SoReader::closePath() {
+  SoField* const field = m_frames.back().field;
+  m_frames.pop_back();
+  PathValue value = std::move(m_openPaths.back());
+  m_openPaths.pop_back();
+  return endPathValue(field, std::move(value));
+}
+
+bool SoReader::endPathValue(SoField* field, PathValue value) {
+  if (m_frames.empty()) {
+    m_completePaths.push_back(std::move(value));
+    return true;
+  }
+  if (m_frames.back().kind == Frame::PATHS) {
+    m_pathLists.back().values.push_back(std::move(value));
+    return true;
+  }
+  m_pathFields.push_back({field,
+                          m_frames.back().container,
+                          {},
+                          SoGraphSurvey::kindOf(field) == SoGraphSurvey::FieldKind::PATHS});
+  m_pathFields.back().values.push_back(std::move(value));
+  return endField(field);
+}
+
+bool SoReader::resolve(Reference& reference, std::int64_t place) {
+  if (reference.container) return true;
+  if (reference.definition) {
+    reference.container = reference.definition->container;
+    return reference.container || m_in.failText("a node is referred to that is not in the file", place);
+  }
+  auto const known = m_definitions.find(SbName(reference.name));
+  if (known == m_definitions.end()) {
+    return m_in.failText("no node is defined as " + quoted(SbString(reference.name)), place);
+  }
+  reference.container = known->second.container;
+  return true;
 }
 
 bool SoReader::makeConnections() {
   for (Connection& connection : m_connections) {
-    if (!connection.source) {
-      auto const known = m_definitions.find(connection.sourceName);
-      if (known == m_definitions.end()) {
-        return m_in.failText("no node is defined as " + quoted(connection.sourceName), connection.line);
-      }
-      connection.source = known->second.node;
-    }
-    SoField* const source = findField(connection.source, SbString(connection.sourceField));
+    if (!resolve(connection.source, connection.place)) return false;
+    SoField* const source = findField(connection.source.container, connection.sourceField);
     if (!source) {
-      return m_in.failText(quoted(connection.sourceField) + " is not a field of " + typeText(connection.source),
-                           connection.line);
+      return m_in.failText(quoted(SbString(connection.sourceField)) + " is not a field of " +
+                               typeText(connection.source.container),
+                           connection.place);
     }
     if (!connection.field->connectFrom(source)) {
-      return m_in.failText("the field '" + connection.field->getName().str() + "' can not follow " +
-                               quoted(connection.sourceName + "." + connection.sourceField),
-                           connection.line);
+      std::string const& name = connection.source.name;
+      return m_in.failText("the field '" + connection.field->getName().str() + "' can not follow '" +
+                               (name.empty() ? typeText(connection.source.container) : name) + "." +
+                               connection.sourceField + "'",
+                           connection.place);
     }
   }
   m_connections.clear();
+  return true;
+}
+
+bool SoReader::makePath(PathValue& value, SoRef<SoPath>& path) {
+  path.reset();
+  Reference& head = value.head;
+  if (!head.container && head.name.empty() && !head.definition) return true;
+  if (!resolve(head, value.place)) return false;
+  if (!head.container->isOfType(SoNode::getClassTypeId())) {
+    return m_in.failText("a path can not begin at a " + typeText(head.container), value.place);
+  }
+  path = SoRef<SoPath>(new SoPath(static_cast<SoNode*>(head.container.get())));
+  for (std::int32_t step : value.steps) {
+    if (SoWriter::appendStep(*path, step)) continue;
+    return m_in.failText("a path has no child " + std::to_string(step) + " to go on with", value.place);
+  }
+  return true;
+}
+
+bool SoReader::setPaths() {
+  for (PathField& pathField : m_pathFields) {
+    std::vector<SoRef<SoPath>> paths(pathField.values.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      if (!makePath(pathField.values[i], paths[i])) return false;
+    }
+    if (pathField.isMany) {
+      static_cast<SoMFPath*>(pathField.field)->setValues(std::move(paths));
+    } else {
+      static_cast<SoSFPath*>(pathField.field)->setValue(paths[0]);
+    }
+  }
+  m_pathFields.clear();
   return true;
 }

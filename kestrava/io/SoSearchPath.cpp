@@ -1,5 +1,6 @@
 #include "kestrava/io/SoSearchPath.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -61,6 +62,12 @@ void remove(SbString const& folder) {
   std::erase(r.folders, asFolder(folder));
 }
 
+bool contains(SbString const& folder) {
+  Registry& r = registry();
+  std::lock_guard lock(r.mutex);
+  return std::find(r.folders.begin(), r.folders.end(), asFolder(folder)) != r.folders.end();
+}
+
 SbString find(SbString const& name) {
   if (name.empty()) return SbString();
   if (SbFileHelper::exists(name)) return name;
@@ -72,6 +79,14 @@ SbString find(SbString const& name) {
     if (SbFileHelper::exists(candidate)) return candidate;
   }
   return SbString();
+}
+
+SbString findBeside(SbString const& mentionedIn, SbString const& name) {
+  if (!mentionedIn.empty() && !name.empty() && !SbFileHelper::isAbsolute(name)) {
+    SbString const candidate = SbFileHelper::getDirName(mentionedIn) + name.str();
+    if (SbFileHelper::exists(candidate)) return candidate;
+  }
+  return find(name);
 }
 
 }  // namespace SoSearchPath

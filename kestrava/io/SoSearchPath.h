@@ -16,8 +16,11 @@ std::shared_ptr<std::string const> getInMemoryText(SbString const& name);
 void addFirst(SbString const& folder);
 void addLast(SbString const& folder);
 void remove(SbString const& folder);
+bool contains(SbString const& folder);
 /// The name itself when such a file exists, else the first one of that name in the folders; empty when
 /// there is none.
 SbString find(SbString const& name);
+/// The same for a name that a file mentions: beside that file first, then as above.
+SbString findBeside(SbString const& mentionedIn, SbString const& name);
 
 }  // namespace SoSearchPath

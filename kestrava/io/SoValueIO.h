@@ -100,7 +100,29 @@ inline constexpr bool SoIsBlock<SbVec<T, N>> = sizeof(SbVec<T, N>) == N * sizeof
 template <>
 inline constexpr bool SoIsBlock<SbColor> = sizeof(SbColor) == 3 * sizeof(float);
 template <>
+inline constexpr bool SoIsBlock<SbTime> = sizeof(SbTime) == sizeof(double);
+template <>
 inline constexpr bool SoIsBlock<SbMatrix> = sizeof(SbMatrix) == 16 * sizeof(float);
+
+/// Binary: `count` values that are padded to their size and copied in one piece.
+template <class T>
+bool SoReadBlock(SoInput& in, std::vector<T>& values, std::size_t count) {
+  constexpr std::size_t STEP = (std::size_t{1} << 20) / sizeof(T);  // memory grows no faster than bytes arrive
+  values.clear();
+  if (!in.align(alignof(T))) return false;
+  for (std::size_t done = 0; done < count;) {
+    std::size_t const part = std::min(count - done, std::max(STEP, done));
+    values.resize(done + part);
+    if (!in.readBytes(values.data() + done, part * sizeof(T))) return false;
+    done += part;
+  }
+  return true;
+}
+template <class T>
+void SoWriteBlock(SoOutput& out, T const* values, std::size_t count) {
+  out.align(alignof(T));
+  out.writeBytes(values, count * sizeof(T));
+}
 
 /// One bare value, or values in brackets, each read by `readOne(in, value)`. Binary: a count, then the values.
 template <class T, class ReadOne>
@@ -132,17 +154,8 @@ template <class T>
 bool SoReadValues(SoInput& in, std::vector<T>& values) {
   if constexpr (SoIsBlock<T>) {
     if (in.isBinary()) {
-      constexpr std::uint32_t STEP = (1u << 20) / sizeof(T);  // memory grows no faster than bytes arrive
       std::uint32_t count = 0;
-      values.clear();
-      if (!in.readCount(count, sizeof(T)) || !in.align(alignof(T))) return false;
-      for (std::uint32_t done = 0; done < count;) {
-        std::uint32_t const part = std::min(count - done, std::max(STEP, done));
-        values.resize(done + part);
-        if (!in.readBytes(values.data() + done, part * sizeof(T))) return false;
-        done += part;
-      }
-      return true;
+      return in.readCount(count, sizeof(T)) && SoReadBlock(in, values, count);
     }
   }
   return SoReadList(in, values, [](SoInput& from, T& value) { return SoReadValue(from, value); });
@@ -206,9 +219,7 @@ void SoWriteValues(SoOutput& out, std::vector<T> const& values) {
   if constexpr (SoIsBlock<T>) {
     if (out.isBinary()) {
       out.writeCount(count);
-      out.align(alignof(T));
-      out.writeBytes(values.data(), count * sizeof(T));
-      return;
+      return SoWriteBlock(out, values.data(), count);
     }
   }
   SoWriteCounted(out, count, [&](std::uint32_t i) { SoWriteValue(out, values[i]); },

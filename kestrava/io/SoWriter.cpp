@@ -1,206 +1,165 @@
 #include "kestrava/io/SoWriter.h"
 
+#include <algorithm>
+
+#include "kestrava/base/SoPath.h"
 #include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoMFPath.h"
 #include "kestrava/fields/SoSFNode.h"
-#include "kestrava/fields/SoSFTrigger.h"
+#include "kestrava/fields/SoSFPath.h"
 #include "kestrava/io/SoOutput.h"
 #include "kestrava/nodes/SoGroup.h"
-#include "kestrava/nodes/SoUnknownNode.h"
+
+using FieldKind = SoGraphSurvey::FieldKind;
 
 namespace {
 
-bool isWritten(SoField const* field) {
-  switch (field->getFieldType()) {
-    case SoField::PRIVATE:
-    case SoField::DEPRECATED:
-    case SoField::EVENT_OUT: return false;
-    default: return !field->isDefault() || field->isIgnored() || field->isConnected();
+/// What the fields of a node hold, in their order.
+std::vector<SoNode*> heldBy(SoNode* node) {
+  std::vector<SoNode*> held;
+  SoGraphSurvey survey;
+  SoGraphSurvey::Class const& fields = survey.classOf(node);
+  for (int i : fields.references) {
+    for (SoNode* below : SoGraphSurvey::nodesOf(node->getField(i), fields.kinds[i])) {
+      if (below) held.push_back(below);
+    }
   }
+  return held;
 }
 
-bool holdsNodes(SoField const* field) {
-  return dynamic_cast<SoSFNode const*>(field) || dynamic_cast<SoMFNode const*>(field);
-}
-
-int countNodes(SoField const* field) {
-  auto const* many = dynamic_cast<SoMFNode const*>(field);
-  return many ? many->getNumValues() : 1;
-}
-
-SoNode* nodeAt(SoField const* field, int index) {
-  auto const* many = dynamic_cast<SoMFNode const*>(field);
-  return many ? many->getNode(index) : static_cast<SoSFNode const*>(field)->getValue();
-}
-
-/// The children that a file shows; those of kits, files and inlines are not among them.
-SoChildList const* writtenChildren(SoNode const* node) {
-  return node->isOfType(SoGroup::getClassTypeId()) ? node->getChildren() : nullptr;
-}
-
-/// False for nodes that are certainly met once and named by nobody, which is nearly all.
-bool mayBeShared(SoNode const* node) {
-  if (node->getAuditors().getLength() > 1) return true;
-  for (int i = 0; i < node->getNumFields(); ++i) {
-    if (node->getField(i)->hasFollowers()) return true;
+/// Values that hold graphs and are no node-valued fields make writing recursive.
+struct ValueDepth {
+  static constexpr int DEEPEST = 20;
+  explicit ValueDepth(SoOutput& out) : isFine(++open <= DEEPEST) {
+    if (!isFine) out.fail("nodes inside of values are nested too deeply");
   }
-  return false;
+  ~ValueDepth() { --open; }
+  bool const isFine;
+  static thread_local int open;
+};
+thread_local int ValueDepth::open = 0;
+
+} // namespace
+
+std::vector<std::int32_t> SoWriter::stepsOf(SoPath const* path, int start) {
+  std::vector<std::int32_t> steps;
+  for (int i = start + 1; i < path->getLength(); ++i) {
+    int step = path->getIndex(i);
+    if (step < 0) {
+      std::vector<SoNode*> const held = heldBy(path->getNode(i - 1));
+      auto const found = std::find(held.begin(), held.end(), path->getNode(i));
+      if (found == held.end()) break;
+      step = -1 - static_cast<int>(found - held.begin());
+    }
+    steps.push_back(step);
+  }
+  return steps;
 }
 
-}  // namespace
+bool SoWriter::appendStep(SoPath& path, std::int32_t step) {
+  if (step >= 0 || !path.getTail()) return path.append(step);
+  std::vector<SoNode*> const held = heldBy(path.getTail());
+  auto const index = static_cast<std::size_t>(-1 - static_cast<std::int64_t>(step));
+  if (index >= held.size()) return false;
+  path.appendNode(held[index], -1);
+  return true;
+}
+
+SoWriter::SoWriter(SoOutput& out) : m_out(out), m_form(SoGraphForm::make(out, m_survey)) {}
 
 void SoWriter::writeFile(std::vector<SoNode*> const& nodes) {
-  lookAt(nodes);
+  m_survey.lookAt(nodes);
+  m_form->beginFile();
   for (SoNode* node : nodes) {
-    m_out.newLine();
-    writeNode(node);
-    m_out.newLine();
+    m_form->beginRoot();
+    writeGraph(node);
+    m_form->endRoot();
   }
+  m_form->endFile();
 }
 
-void SoWriter::writeValues(std::vector<SoNode*> const& nodes, bool list) {
-  if (m_out.isBinary()) return m_out.fail("nodes are written in the ASCII form only");
-  lookAt(nodes);
-  if (list) m_out.put("[ ");
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
-    if (i > 0) m_out.put(", ");
-    writeNode(nodes[i]);
-  }
-  if (list) m_out.put(nodes.empty() ? "]" : " ]");
-}
-
-std::vector<int> const& SoWriter::nodeFieldsOf(SoNode* node) {
-  SoFieldData const* const data = node->getFieldData();
-  auto const [known, added] = m_nodeFields.try_emplace(data);
-  if (added) {
-    for (int i = 0; i < data->getNumFields(); ++i) {
-      if (holdsNodes(data->getField(node, i))) known->second.push_back(i);
-    }
-  }
-  return known->second;
-}
-
-void SoWriter::lookAt(std::vector<SoNode*> const& roots) {
-  std::vector<SoNode*> open;
-  for (SoNode* root : roots) visit(root, open);
-  while (!open.empty()) {
-    SoNode* const node = open.back();
-    open.pop_back();
-    if (!node->getName().empty()) ++m_names[node->getName()];
-    for (int i : nodeFieldsOf(node)) {
-      SoField* const field = node->getField(i);
-      if (!isWritten(field)) continue;
-      for (int k = 0; k < countNodes(field); ++k) visit(nodeAt(field, k), open);
-    }
-    for (int i = 0; i < node->getNumFields(); ++i) {
-      SoField* const field = node->getField(i);
-      SoField* const source = field->getConnectedField();
-      if (source && source->getContainer() && source->getContainer()->isOfType(SoNode::getClassTypeId())) {
-        m_sources.insert(static_cast<SoNode*>(source->getContainer()));
-      }
-    }
-    if (SoChildList const* children = writtenChildren(node)) {
-      for (SoNode* child : *children) visit(child, open);
-    }
-  }
-  // Only what was met counts as a source: the others are not in the file.
-  for (SoNode const* source : m_sources) {
-    if (auto const met = m_shared.find(source); met != m_shared.end()) met->second.used = true;
-  }
-}
-
-// Enters a node the first time it is met.
-void SoWriter::visit(SoNode* node, std::vector<SoNode*>& open) {
-  if (!node) return;
-  if (!mayBeShared(node)) {
-    open.push_back(node);
+void SoWriter::writeValues(std::vector<SoNode*> const& nodes, bool isMany) {
+  ValueDepth const depth(m_out);
+  if (!depth.isFine) return;
+  m_survey.lookAt(nodes);
+  if (m_out.isBinary()) {
+    m_form->beginList(static_cast<int>(nodes.size()), isMany);
+    for (SoNode* node : nodes) writeGraph(node);
     return;
   }
-  auto const [known, added] = m_shared.try_emplace(node);
-  if (added) {
-    open.push_back(node);
-  } else {
-    known->second.used = true;
+  bool const brackets = isMany && nodes.size() != 1;
+  if (brackets) m_out.put("[ ");
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (i > 0) m_out.put(", ");
+    writeGraph(nodes[i]);
   }
+  if (brackets) m_out.put(nodes.empty() ? "]" : " ]");
 }
 
-std::string SoWriter::nameOf(SoNode const* node) {
-  SbName const name = node->getName();
-  auto const known = m_shared.find(node);
-  if (known == m_shared.end() || !known->second.used) return name.str();
-  std::string& inFile = known->second.name;
-  if (inFile.empty()) {
-    bool const unique = !name.empty() && m_names[name] == 1;
-    inFile = unique ? name.str() : name.str() + "+" + std::to_string(++m_lastNumber);
-  }
-  return inFile;
+void SoWriter::writePath(SoPath const* path) {
+  ValueDepth const depth(m_out);
+  if (!depth.isFine) return;
+  if (!path || path->getLength() == 0) return m_form->putNull();
+  m_survey.lookAt({path->getHead()});
+  m_form->beginPath();
+  writeGraph(path->getHead());
+  m_form->endPath(stepsOf(path, 0));
 }
 
-void SoWriter::writeNode(SoNode* node) {
-  start(node);
+void SoWriter::writeGraph(SoFieldContainer* container) {
+  start(container);
   while (!m_frames.empty()) {
-    Frame& frame = m_frames.back();
-    if (writeNextField(frame) || writeNextChild(frame)) continue;
-    m_out.indent(-1);
-    if (frame.hasContent) {
-      m_out.newLine();
-    } else {
-      m_out.put(" ");
-    }
-    m_out.put("}");
-    m_frames.pop_back();
+    if (!writeNextField() && !writeNextChild()) close();
   }
 }
 
-void SoWriter::start(SoNode* node) {
-  if (!node) return m_out.put("NULL");
-  std::string const name = nameOf(node);
-  if (auto const known = m_shared.find(node); known != m_shared.end()) {
-    if (known->second.written) return m_out.put("USE " + name);
-    known->second.written = true;
+bool SoWriter::start(SoFieldContainer* container) {
+  if (!container) {
+    m_form->putNull();
+    return false;
   }
-  if (!name.empty()) m_out.put("DEF " + name + " ");
-  m_frames.push_back({node});
-  auto const* unknown = dynamic_cast<SoUnknownNode*>(node);
-  m_out.put((unknown ? unknown->getFileTypeName() : node->getTypeId().getName()).str());
-  m_out.put(" {");
-  m_out.indent(1);
-  if (unknown) declareFields(node, m_frames.back());
-}
-
-void SoWriter::declareFields(SoNode* node, Frame& frame) {
-  startLine(frame);
-  m_out.put("fields [");
-  for (int i = 0; i < node->getNumFields(); ++i) {
-    SoField const* field = node->getField(i);
-    m_out.put((i == 0 ? " " : ", ") + field->getTypeId().getName().str() + " " + field->getName().str());
+  SoGraphSurvey::Entry* const entry = m_survey.find(container);
+  if (entry && entry->isWritten) {
+    m_form->putUse(container, *entry);
+    return false;
   }
-  m_out.put(" ]");
+  if (entry) entry->isWritten = true;
+  m_form->begin(container, entry);
+  m_frames.push_back({container, &m_survey.classOf(container)});
+  return true;
 }
 
-void SoWriter::startLine(Frame& frame) {
-  frame.hasContent = true;
-  m_out.newLine();
+void SoWriter::close() {
+  Frame const frame = m_frames.back();
+  m_frames.pop_back();
+  m_form->end();
+  if (frame.source) m_form->endSource(frame.source);
+  if (frame.path) m_form->endPath(stepsOf(frame.path, 0));
 }
 
-bool SoWriter::writeNextField(Frame& frame) {
+bool SoWriter::writeNextField() {
+  Frame& frame = m_frames.back();
   if (frame.value >= 0) {
-    writeNextValue(frame);
+    writeNextValue();
     return true;
   }
-  SoNode* const node = frame.node;
-  while (frame.field < node->getNumFields()) {
-    SoField* const field = node->getField(frame.field++);
-    if (!isWritten(field)) continue;
-    startLine(frame);
-    m_out.put(field->getName().str());
-    if (!field->isDefault() && holdsNodes(field)) {
+  SoFieldData const& data = *frame.container->getFieldData();
+  // Objects with fields of their own may change them as they are evaluated.
+  int const count = std::min(data.getNumFields(), static_cast<int>(frame.fields->kinds.size()));
+  while (frame.field < count) {
+    FieldKind const kind = frame.fields->kinds[frame.field];
+    SoField* const field = data.getField(frame.container, frame.field++);
+    if (!SoGraphSurvey::isWritten(field)) continue;
+    field->evaluate();
+    bool const isSet = !field->isDefault() && !field->isConnectionDefault();
+    bool const hasValue = isSet && kind != FieldKind::TRIGGER;
+    m_form->beginField(field, isSet);
+    if (hasValue && kind == FieldKind::PLAIN) m_form->putValue(field);
+    if (hasValue && kind != FieldKind::PLAIN) {
+      bool const isMany = kind == FieldKind::NODES || kind == FieldKind::PATHS;
+      m_form->beginList(isMany ? field->getNumValues() : 1, isMany);
       frame.value = 0;
       return true;
-    }
-    if (!field->isDefault() && !field->isOfType(SoSFTrigger::getClassTypeId())) {
-      m_out.put(" ");
-      field->evaluate();
-      field->writeValue(m_out);
     }
     writeFieldEnd(field);
     return true;
@@ -208,45 +167,72 @@ bool SoWriter::writeNextField(Frame& frame) {
   return false;
 }
 
-void SoWriter::writeNextValue(Frame& frame) {
-  SoField* const field = frame.node->getField(frame.field - 1);
-  int const count = countNodes(field);
-  if (frame.value < count) {
-    if (count == 1) {
-      m_out.put(" ");
-    } else {
-      if (frame.value == 0) {
-        m_out.put(" [");
-        m_out.indent(1);
-      }
-      m_out.newLine();
+void SoWriter::writeNextValue() {
+  Frame& frame = m_frames.back();
+  FieldKind const kind = frame.fields->kinds[frame.field - 1];
+  SoField const* const field = frame.container->getField(frame.field - 1);
+  if (frame.value < field->getNumValues()) {
+    int const index = frame.value++;
+    m_form->beginListValue();
+    switch (kind) {
+      case FieldKind::NODE:
+        start(static_cast<SoSFNode const*>(field)->getValue());
+        break;
+      case FieldKind::NODES:
+        start(static_cast<SoMFNode const*>(field)->getNode(index));
+        break;
+      case FieldKind::PATH:
+        startPath(static_cast<SoSFPath const*>(field)->getValue());
+        break;
+      default:
+        startPath((*static_cast<SoMFPath const*>(field))[index]);
     }
-    start(nodeAt(field, frame.value++));  // may move the frame
-    return;
+    return; // the frame may have moved
   }
   frame.value = -1;
-  if (count == 0) m_out.put(" [ ]");
-  if (count > 1) {
-    m_out.indent(-1);
-    m_out.newLine();
-    m_out.put("]");
-  }
+  m_form->endList();
   writeFieldEnd(field);
 }
 
-void SoWriter::writeFieldEnd(SoField* field) {
-  if (field->isIgnored()) m_out.put(" ~");
-  SoField const* const source = field->getConnectedField();
-  if (!source || !source->getContainer() || !source->getContainer()->isOfType(SoNode::getClassTypeId())) return;
-  auto const* const node = static_cast<SoNode const*>(source->getContainer());
-  // A source that is not in the file can not be named: the value stays, the connection does not.
-  if (m_shared.contains(node)) m_out.put(" = " + nameOf(node) + "." + source->getName().str());
+void SoWriter::startPath(SoPath const* path) {
+  int const start = path ? m_survey.getPathStart(path) : -1;
+  if (start < 0) return m_form->putNull();
+  SoNode* const head = path->getNode(start);
+  SoGraphSurvey::Entry& entry = *m_survey.find(head);
+  m_form->beginPath();
+  if (entry.standsInPath && !entry.isWritten) {
+    this->start(head);
+    m_frames.back().path = path;
+    return;
+  }
+  m_form->putUse(head, entry);
+  m_form->endPath(stepsOf(path, start));
 }
 
-bool SoWriter::writeNextChild(Frame& frame) {
-  SoChildList const* const children = writtenChildren(frame.node);
+void SoWriter::writeFieldEnd(SoField const* field) {
+  if (field->isIgnored()) m_form->putIgnored(field);
+  SoField const* const source = field->getConnectedField();
+  SoFieldContainer* const container = source ? source->getContainer() : nullptr;
+  if (!container || field->isConnectionDefault()) return;
+  bool const isNode = SoGraphSurvey::isNode(container);
+  SoGraphSurvey::Entry* const entry = m_survey.find(container);
+  // A source node that is not in the file can not be named: the value stays, the connection does not.
+  if (isNode && !entry) return;
+  m_form->beginSource(field);
+  if (isNode) {
+    m_form->putUse(container, *entry);
+  } else if (start(container)) {
+    m_frames.back().source = source;
+    return;
+  }
+  m_form->endSource(source);
+}
+
+bool SoWriter::writeNextChild() {
+  Frame& frame = m_frames.back();
+  SoChildList const* const children = SoGraphSurvey::getWrittenChildren(frame.container);
   if (!children || frame.child >= children->getLength()) return false;
-  startLine(frame);
+  m_form->beginChild();
   start((*children)[frame.child++]);
   return true;
 }

@@ -1,62 +1,58 @@
 #pragma once
 
-#include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <memory>
 #include <vector>
 
-#include "kestrava/base/SbName.h"
-#include "kestrava/base/SbString.h"
+#include "kestrava/io/SoGraphForm.h"
 
 class SoField;
-class SoFieldData;
 class SoNode;
 class SoOutput;
+class SoPath;
 
-/// Writes nodes as text, deterministically: equal graphs give equal text. It looks at everything once to learn
-/// what is shared, and then writes; both with stacks of their own, so depth costs memory only.
+/// Writes graphs in the form that the output has, deterministically: equal graphs give equal files. It looks
+/// at everything once to learn what is shared, and then writes; both with stacks of their own, so depth costs
+/// memory only.
 class SoWriter {
  public:
-  explicit SoWriter(SoOutput& out) : m_out(out) {}
+  explicit SoWriter(SoOutput& out);
 
-  /// The nodes of a file, each starting a line.
+  /// The nodes of a file, after its header.
   void writeFile(std::vector<SoNode*> const& nodes);
-  /// The value of a node-valued field, in brackets when it is a `list`; null entries are allowed.
-  void writeValues(std::vector<SoNode*> const& nodes, bool list);
+  /// The value of a node-valued field; `isMany` when it may hold any number. Null entries are allowed.
+  void writeValues(std::vector<SoNode*> const& nodes, bool isMany);
+  /// A path, null for none. Nodes that only lie above or beside what is written are left out.
+  void writePath(SoPath const* path);
+
+  /// The steps of a path from a node on: positions in the lists of children; below zero for a node that is
+  /// held by a field, -1 the first one.
+  static std::vector<std::int32_t> stepsOf(SoPath const* path, int start);
+  /// Goes such a step; false when there is none.
+  static bool appendStep(SoPath& path, std::int32_t step);
 
  private:
-  struct Shared {
-    std::string name;      // in this file; empty until it is asked for
-    bool used = false;     // stands at several places, or is the source of a connection
-    bool written = false;
-  };
   struct Frame {
-    SoNode* node;
-    int field = 0;   // the next field
-    int value = -1;  // the next value of the field before, while that is node-valued
-    int child = 0;   // the next child
-    bool hasContent = false;
+    SoFieldContainer* container;
+    SoGraphSurvey::Class* fields;
+    SoField const* source = nullptr; // what it stands for where it is the source of a connection
+    SoPath const* path = nullptr;    // whose head it is
+    int field = 0;                   // the next field
+    int value = -1;                  // the next value of the field before, while that is open
+    int child = 0;                   // the next child
   };
 
-  void lookAt(std::vector<SoNode*> const& roots);
-  void visit(SoNode* node, std::vector<SoNode*>& open);
-  std::vector<int> const& nodeFieldsOf(SoNode* node);
-  void writeNode(SoNode* node);
-  /// NULL, USE, or the head of a node, which is then open.
-  void start(SoNode* node);
-  void declareFields(SoNode* node, Frame& frame);
-  bool writeNextField(Frame& frame);
-  bool writeNextChild(Frame& frame);
-  void writeNextValue(Frame& frame);
-  void writeFieldEnd(SoField* field);
-  void startLine(Frame& frame);
-  std::string nameOf(SoNode const* node);
+  void writeGraph(SoFieldContainer* container);
+  /// Answers true when the container is open now: it was not null and not a USE.
+  bool start(SoFieldContainer* container);
+  void startPath(SoPath const* path);
+  void close();
+  bool writeNextField();
+  bool writeNextChild();
+  void writeNextValue();
+  void writeFieldEnd(SoField const* field);
 
   SoOutput& m_out;
+  SoGraphSurvey m_survey;
+  std::unique_ptr<SoGraphForm> m_form;
   std::vector<Frame> m_frames;
-  std::unordered_map<SoNode const*, Shared> m_shared;  // whatever may be met more than once
-  std::unordered_map<SbName, int> m_names;             // how many nodes have each name
-  std::unordered_set<SoNode const*> m_sources;         // of connections
-  std::unordered_map<SoFieldData const*, std::vector<int>> m_nodeFields;
-  int m_lastNumber = 0;
 };

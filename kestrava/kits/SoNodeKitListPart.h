@@ -36,6 +36,9 @@ class SoNodeKitListPart : public SoNode {
 
  protected:
   ~SoNodeKitListPart() override = default;
+  void copyContents(SoFieldContainer const& from, SoCopier&) override {
+    m_itemType = static_cast<SoNodeKitListPart const&>(from).m_itemType;
+  }
   void fieldChanged(SoField* field) override;
 
  private:

@@ -20,6 +20,10 @@ class SoCallback : public SoNode {
 
  protected:
   ~SoCallback() override = default;
+  void copyContents(SoFieldContainer const& from, SoCopier&) override {
+    m_function = static_cast<SoCallback const&>(from).m_function;
+    m_data = static_cast<SoCallback const&>(from).m_data;
+  }
 
  private:
   Function* m_function = nullptr;

@@ -1,12 +1,26 @@
 #pragma once
 
 #include "kestrava/nodes/SoClipPlane.h"
+#include "kestrava/nodes/SoManipChild.h"
 
-/// Base of the clip planes that a user moves in the view.
+/// A clip plane that a user moves and turns.
 class SoClipPlaneManip : public SoClipPlane {
-  SO_ABSTRACT_NODE(SoClipPlaneManip, SoClipPlane)
+  SO_NODE(SoClipPlaneManip, SoClipPlane)
+  SoClipPlaneManip();
+
+  // As in SoTransformManip.
+  SoDragger* getDragger() const { return m_child.getDragger(); }
+  bool setDragger(SoDragger* dragger) { return m_child.setDragger(dragger); }
+  bool replaceNode(SoPath* path);
+  bool replaceManip(SoPath* path, SoClipPlane* newOne);
+
+  SoChildList* getChildren() const override { return m_child.getList(); }
 
  protected:
-  SoClipPlaneManip() = default;
   ~SoClipPlaneManip() override = default;
+  void fieldChanged(SoField* field) override { m_child.manipChanged(field); }
+  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.listCopied(); }
+
+ private:
+  mutable SoManipChild m_child;
 };

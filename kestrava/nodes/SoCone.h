@@ -20,6 +20,7 @@ class SoCone : public SoShape {
 
   void buildMesh(SoState const& state, SoMesh& mesh) const override;
   SbBox3f getBounds(SoState const& state) const override;
+  std::uint64_t getMeshKey(SoState const& state) const override;
 
  protected:
   ~SoCone() override = default;

@@ -19,6 +19,7 @@ class SoCylinder : public SoShape {
 
   void buildMesh(SoState const& state, SoMesh& mesh) const override;
   SbBox3f getBounds(SoState const& state) const override;
+  std::uint64_t getMeshKey(SoState const& state) const override;
 
  protected:
   ~SoCylinder() override = default;

@@ -1,13 +1,10 @@
 #include "kestrava/nodes/SoFile.h"
 
-#include <algorithm>
-
-#include "kestrava/base/SoError.h"
 #include "kestrava/io/SoDB.h"
-#include "kestrava/io/SoInput.h"
 
 void SoFile::fieldChanged(SoField* field) {
   if (field != &name) return;
+  if (!SoDB::getFilesBeingRead().empty()) m_includers = SoDB::getFilesBeingRead();
   if (!isNotifyEnabled()) {
     reload();
     return;
@@ -21,29 +18,10 @@ void SoFile::fieldChanged(SoField* field) {
   });
 }
 
-SoRef<SoNode> SoFile::readContents() {
-  auto const& files = SoDB::getFilesBeingRead();
-  SbString const by = files.empty() ? SbString() : files.back();
-  auto complain = [&by](SbString const& file, char const* what) {
-    SoReadError::post("%s%sthe included file '%s' %s", by.c_str(), by.empty() ? "" : ": ", file.c_str(),
-                      what);
-    return SoRef<SoNode>();
-  };
-  SoInput in;
-  if (!in.openFile(name.getValue().c_str(), true)) return complain(name.getValue(), "is not found");
-  SbString const found = in.getCurFileName();
-  if (std::find(files.begin(), files.end(), found) != files.end()) return complain(found, "includes itself");
-  if (static_cast<int>(files.size()) >= MAX_DEPTH)
-    return complain(found, "is included too deep in other files");
-  in.setIncludedBy(by);
-  SoRef<SoNode> root = SoDB::readAll(&in);
-  if (root) m_fullName = found;
-  return root;
-}
-
 void SoFile::reload() {
+  SoRef<SoNode> root;
   m_fullName = SbString();
-  SoRef<SoNode> const root = name.getValue().empty() ? nullptr : readContents();
+  if (!name.getValue().empty()) root = SoDB::readIncluded(name.getValue(), m_includers, m_fullName);
   if (root == nullptr && m_children.getLength() == 0) return;
   m_children.truncate(0);
   if (root) m_children.append(root);

@@ -4,6 +4,7 @@
 #include "kestrava/fields/SoSFEnum.h"
 #include "kestrava/fields/SoSFImage.h"
 #include "kestrava/fields/SoSFString.h"
+#include "kestrava/io/SoImageCache.h"
 #include "kestrava/nodes/SoBackground.h"
 
 /// Fills the window with an image.
@@ -23,19 +24,21 @@ class SoImageBackground : public SoBackground {
     return symbols;
   }
 
-  SoSFString filename{this, "filename"}; ///< looked for in the search path
+  SoSFString filename{this, "filename"}; ///< beside the scene file, else in the search path
   SoSFImage image{this, "image"};        ///< counts while there is no filename
   SoSFEnum style{this, "style", TILE, styles()};
 
   /// The image of the file, or else of the field; empty when there is none. A file that can not be read is
-  /// posted once as a read error.
+  /// posted as a read error, once for all nodes that name it.
   SbImage getImage() const;
 
  protected:
   void fieldChanged(SoField* field) override;
   ~SoImageBackground() override = default;
+  void copyContents(SoFieldContainer const& from, SoCopier&) override {
+    m_file = static_cast<SoImageBackground const&>(from).m_file;
+  }
 
  private:
-  mutable SbImage m_fileImage;
-  mutable bool m_fileAsked = false;
+  mutable SoNamedImage m_file;
 };

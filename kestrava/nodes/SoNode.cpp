@@ -7,6 +7,7 @@
 #include "kestrava/fields/SoMFUniformShaderParameter.h"
 #include "kestrava/fields/SoSFBool.h"
 #include "kestrava/fields/SoSFNode.h"
+#include "kestrava/nodes/SoCopier.h"
 
 std::uint64_t SoNode::nextNodeId() {
   static std::atomic<std::uint64_t> last{0};
@@ -64,6 +65,10 @@ bool SoNode::isOverride() const {
 void SoNode::setOverride(bool on) {
   SoSFBool* field = overrideField(this);
   if (field && field->getValue() != on) field->setValue(on);
+}
+
+SoNode* SoNode::copy(bool copyConnections) const {
+  return static_cast<SoNode*>(SoCopier(copyConnections).copy(this));
 }
 
 SoNode* SoNode::create(SoType type) {

@@ -27,6 +27,11 @@ class SoNode : public SoFieldContainer {
   /// Does nothing for a node without that field. Notifies.
   void setOverride(bool on);
 
+  /// A new graph, count 0, with everything below this node: sharing inside of it is kept, nodes that fields refer
+  /// to are copied too, paths lead into the copy. Names, flags and what nodes hold besides fields come along;
+  /// sensors do not. Connections are left out (values stay) unless asked for; see SoCopier for where they lead then.
+  SoNode* copy(bool copyConnections = false) const;
+
   /// True when `holder` is `held` or stands somewhere below it, so that holding it would close a circle.
   static bool closesCircle(SoFieldContainer const* holder, SoNode const* held);
 

@@ -1,12 +1,26 @@
 #pragma once
 
+#include "kestrava/nodes/SoManipChild.h"
 #include "kestrava/nodes/SoPointLight.h"
 
-/// Base of the point lights that a user moves in the view.
+/// A light in a point that a user moves.
 class SoPointLightManip : public SoPointLight {
-  SO_ABSTRACT_NODE(SoPointLightManip, SoPointLight)
+  SO_NODE(SoPointLightManip, SoPointLight)
+  SoPointLightManip();
+
+  // As in SoTransformManip.
+  SoDragger* getDragger() const { return m_child.getDragger(); }
+  bool setDragger(SoDragger* dragger) { return m_child.setDragger(dragger); }
+  bool replaceNode(SoPath* path);
+  bool replaceManip(SoPath* path, SoPointLight* newOne);
+
+  SoChildList* getChildren() const override { return m_child.getList(); }
 
  protected:
-  SoPointLightManip() = default;
   ~SoPointLightManip() override = default;
+  void fieldChanged(SoField* field) override { m_child.manipChanged(field); }
+  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.listCopied(); }
+
+ private:
+  mutable SoManipChild m_child;
 };

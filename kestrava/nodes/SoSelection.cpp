@@ -1,12 +1,23 @@
 #include "kestrava/nodes/SoSelection.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
+#include "kestrava/actions/SoHandleEventAction.h"
 #include "kestrava/base/SoError.h"
+#include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/fields/SoMFNode.h"
 #include "kestrava/fields/SoSFNode.h"
+#include "kestrava/nodes/SoCopier.h"
 
 namespace {
+
+// A hand that clicks trembles this much.
+constexpr int CLICK_PIXELS = 4;
+
+void offerEvent(SoHandleEventAction& action, SoSelection& node) { node.handleEvent(action); }
+bool const registered = SoAction::addMethods<offerEvent>();
 
 /// The node when a field of `above` holds it, else null.
 SoNode* findHeld(SoNode* above, SoNode const* node) {
@@ -114,22 +125,66 @@ void SoSelection::deselectAll() {
   tellChange();
 }
 
+bool SoSelection::isChangedBy(SoPath* path, bool toggles) const {
+  if (toggles) return path;
+  return path ? getNumSelected() != 1 || !isSelected(path) : getNumSelected() > 0;
+}
+
 void SoSelection::invoke(SoPath* path, bool shiftDown) {
+  if (path && !belowThis(path)) path = nullptr;
   bool const toggles = policy.getValue() == TOGGLE || (policy.getValue() == SHIFT && shiftDown);
-  if (toggles) {
-    if (path) toggle(path);
-    return;
-  }
-  if (path && getNumSelected() == 1 && isSelected(path)) return;
+  if (!isChangedBy(path, toggles)) return;
   SoRef<SoSelection> const self(this);
-  bool const had = !m_paths.empty();
-  while (!m_paths.empty()) remove(getNumSelected() - 1);
-  if (auto below = belowThis(path)) {
-    add(std::move(*below));
-    tellChange();
-  } else if (had) {
+  SoRef<SoPath> const kept(path);
+  callAll(m_startCallbacks, this);
+  if (toggles) {
+    toggle(path);
+  } else if (isChangedBy(path, false)) {
+    while (!m_paths.empty()) remove(getNumSelected() - 1);
+    if (path) add(*belowThis(path));
     tellChange();
   }
+  callAll(m_finishCallbacks, this);
+}
+
+// What a click does.
+
+void SoSelection::handleEvent(SoHandleEventAction& action) {
+  action.enterChildren(this, true);
+  if (!m_takesClicks) return;
+  // The functions run only when nobody below has handled the event.
+  if (SoMouseButtonEvent::isPress(*action.getEvent(), SoMouseButtonEvent::ANY)) {
+    m_press.reset();
+    if (SoMouseButtonEvent::isPress(*action.getEvent(), SoMouseButtonEvent::LEFT)) {
+      action.whenLeft([this, &action] { pressed(action); });
+    }
+  } else if (m_press && SoMouseButtonEvent::isRelease(*action.getEvent(), SoMouseButtonEvent::LEFT)) {
+    action.whenLeft([this, &action, press = *std::exchange(m_press, std::nullopt)] { released(action, press); });
+  }
+}
+
+void SoSelection::pressed(SoHandleEventAction& action) {
+  SoPickedPoint const* const point = action.getPickedPoint();
+  m_press = Press{action.getEvent()->position, belowThis(point ? point->getPath() : nullptr)};
+}
+
+void SoSelection::released(SoHandleEventAction& action, Press const& press) {
+  SbVec2s const at = action.getEvent()->position;
+  if (std::abs(at[0] - press.position[0]) > CLICK_PIXELS || std::abs(at[1] - press.position[1]) > CLICK_PIXELS) return;
+  SoPickedPoint const* const point = action.getPickedPoint();
+  SoRef<SoPath> path(point ? point->getPath() : nullptr);
+  auto const below = belowThis(path);
+  if (below != press.below) return;
+  if (below) {
+    action.setHandled();
+    if (m_pickFilter) path = SoRef<SoPath>(m_pickFilter(m_pickFilterData, point));
+    if (path && !belowThis(path)) {
+      SoDebugError::post("SoSelection", "the pick filter of '%s' answered a path that does not run through it",
+                         getName().c_str());
+      return;
+    }
+  }
+  invoke(below ? path.get() : nullptr, action.getEvent()->shiftDown);
 }
 
 namespace {
@@ -158,4 +213,38 @@ void SoSelection::addChangeCallback(SoSelectionClassCB* function, void* data) {
 }
 void SoSelection::removeChangeCallback(SoSelectionClassCB* function, void* data) {
   eraseFirst(m_changeCallbacks, Callback<SoSelectionClassCB>{function, data});
+}
+void SoSelection::addStartCallback(SoSelectionClassCB* function, void* data) {
+  m_startCallbacks.push_back({function, data});
+}
+void SoSelection::removeStartCallback(SoSelectionClassCB* function, void* data) {
+  eraseFirst(m_startCallbacks, Callback<SoSelectionClassCB>{function, data});
+}
+void SoSelection::addFinishCallback(SoSelectionClassCB* function, void* data) {
+  m_finishCallbacks.push_back({function, data});
+}
+void SoSelection::removeFinishCallback(SoSelectionClassCB* function, void* data) {
+  eraseFirst(m_finishCallbacks, Callback<SoSelectionClassCB>{function, data});
+}
+void SoSelection::setPickFilterCallback(SoSelectionPickCB* function, void* data) {
+  m_pickFilter = function;
+  m_pickFilterData = data;
+}
+
+// The same places of the copy are selected. What is selected no more, because it has left the graph, is left out.
+void SoSelection::copyContents(SoFieldContainer const& from, SoCopier& copier) {
+  auto const& other = static_cast<SoSelection const&>(from);
+  m_paths = other.m_paths;
+  std::erase_if(m_paths, [&copier](Steps& steps) {
+    for (Step& step : steps) step.node = copier.findNode(step.node);
+    return std::any_of(steps.begin(), steps.end(), [](Step const& step) { return !step.node; });
+  });
+  m_takesClicks = other.m_takesClicks;
+  m_pickFilter = other.m_pickFilter;
+  m_pickFilterData = other.m_pickFilterData;
+  m_selectionCallbacks = other.m_selectionCallbacks;
+  m_deselectionCallbacks = other.m_deselectionCallbacks;
+  m_changeCallbacks = other.m_changeCallbacks;
+  m_startCallbacks = other.m_startCallbacks;
+  m_finishCallbacks = other.m_finishCallbacks;
 }

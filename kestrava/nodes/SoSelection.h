@@ -3,15 +3,17 @@
 #include <optional>
 #include <vector>
 
-#include <vector>
-
+#include "kestrava/base/SbVec2s.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/fields/SoSFEnum.h"
 #include "kestrava/nodes/SoSeparator.h"
 
+class SoHandleEventAction;
+class SoPickedPoint;
 class SoSelection;
 using SoSelectionPathCB = void(void* data, SoPath* path);
 using SoSelectionClassCB = void(void* data, SoSelection* selection);
+using SoSelectionPickCB = SoPath*(void* data, SoPickedPoint const* point);
 
 /// A separator that keeps a list of selected paths. A path starts at the selection node; what comes before it
 /// on a longer path is cut off.
@@ -19,6 +21,10 @@ using SoSelectionClassCB = void(void* data, SoSelection* selection);
 /// select(), deselect() and toggle() are for programs: they do what they say whatever the policy is. invoke()
 /// is what a pick by a user does, as the policy says. Callbacks run synchronously, after the list has
 /// changed; the change callbacks come last.
+///
+/// A click with the left button that no node below handles is such a pick: press and release a few pixels apart on the
+/// same shape, or on nothing. What lies in another part of the scene counts as nothing here. The release is handled
+/// when it picked something below this node; a press never is.
 class SoSelection : public SoSeparator {
   SO_NODE(SoSelection, SoSeparator)
   enum Policy {
@@ -43,6 +49,9 @@ class SoSelection : public SoSeparator {
   bool isSelected(SoPath* path) const { return findPath(path) >= 0; }
   /// What a pick of `path` does; null is a pick of nothing.
   void invoke(SoPath* path, bool shiftDown = false);
+  /// False: clicks pass by, as for a selection that programs alone change.
+  void setTakingClicks(bool on) { m_takesClicks = on; }
+  bool isTakingClicks() const { return m_takesClicks; }
 
   int getNumSelected() const { return static_cast<int>(m_paths.size()); }
   /// A path of the caller's own. It ends above a node that has left the graph since it was selected; `isWhole`
@@ -55,9 +64,21 @@ class SoSelection : public SoSeparator {
   void removeDeselectionCallback(SoSelectionPathCB* function, void* data = nullptr);
   void addChangeCallback(SoSelectionClassCB* function, void* data = nullptr);
   void removeChangeCallback(SoSelectionClassCB* function, void* data = nullptr);
+  /// Start functions are called before a pick changes the selection, finish functions after everything else.
+  void addStartCallback(SoSelectionClassCB* function, void* data = nullptr);
+  void removeStartCallback(SoSelectionClassCB* function, void* data = nullptr);
+  void addFinishCallback(SoSelectionClassCB* function, void* data = nullptr);
+  void removeFinishCallback(SoSelectionClassCB* function, void* data = nullptr);
+  /// Says what a click selects: a path through this node, which may be new (count 0), or null for nothing. A path that
+  /// runs elsewhere is refused with a debug error. Null: the path to the picked shape.
+  void setPickFilterCallback(SoSelectionPickCB* function, void* data = nullptr);
+
+  /// The method for events.
+  void handleEvent(SoHandleEventAction& action);
 
  protected:
   ~SoSelection() override = default;
+  void copyContents(SoFieldContainer const& from, SoCopier& copier) override;
 
  private:
   template <class Function> struct Callback {
@@ -80,8 +101,21 @@ class SoSelection : public SoSeparator {
   void add(Steps below);
   void remove(int which);
   void tellChange();
+  bool isChangedBy(SoPath* path, bool toggles) const;
+
+  /// Where the left button went down, and on what.
+  struct Press {
+    SbVec2s position;
+    std::optional<Steps> below;
+  };
+  void pressed(SoHandleEventAction& action);
+  void released(SoHandleEventAction& action, Press const& press);
 
   std::vector<Steps> m_paths; // below this node
+  std::optional<Press> m_press;
+  bool m_takesClicks = true;
+  SoSelectionPickCB* m_pickFilter = nullptr;
+  void* m_pickFilterData = nullptr;
   std::vector<Callback<SoSelectionPathCB>> m_selectionCallbacks, m_deselectionCallbacks;
-  std::vector<Callback<SoSelectionClassCB>> m_changeCallbacks;
+  std::vector<Callback<SoSelectionClassCB>> m_changeCallbacks, m_startCallbacks, m_finishCallbacks;
 };

@@ -10,6 +10,7 @@ class SoSphere : public SoShape {
 
   void buildMesh(SoState const& state, SoMesh& mesh) const override;
   SbBox3f getBounds(SoState const& state) const override;
+  std::uint64_t getMeshKey(SoState const& state) const override;
 
  protected:
   ~SoSphere() override = default;

@@ -5,7 +5,9 @@
 #include "kestrava/fields/SoSFFloat.h"
 #include "kestrava/nodes/SoShape.h"
 
-/// Text in the plane of the screen, upright and of constant size; its origin is a point of the scene.
+/// Text in the plane of the screen, upright and of constant size, the font's size being pixels (at most 400); it stands
+/// at a point of the scene, the origin, which decides what hides it. Its bounds, and its mesh of outlines, are those for
+/// the camera met before; without any the bounds are the point, and there is no mesh.
 class SoText2 : public SoShape {
   SO_NODE(SoText2, SoShape)
   enum Justification { LEFT, RIGHT, CENTER };
@@ -20,6 +22,7 @@ class SoText2 : public SoShape {
 
   void buildMesh(SoState const& state, SoMesh& mesh) const override;
   SbBox3f getBounds(SoState const& state) const override;
+  std::uint64_t getMeshKey(SoState const& state) const override;
 
  protected:
   ~SoText2() override = default;

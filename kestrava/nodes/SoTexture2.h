@@ -6,6 +6,7 @@
 #include "kestrava/fields/SoSFEnum.h"
 #include "kestrava/fields/SoSFImage.h"
 #include "kestrava/fields/SoSFString.h"
+#include "kestrava/io/SoImageCache.h"
 #include "kestrava/nodes/SoNode.h"
 
 /// A flat image on what follows.
@@ -23,7 +24,7 @@ class SoTexture2 : public SoNode {
     return symbols;
   }
 
-  SoSFString filename{this, "filename"}; ///< looked for in the search path; read when it is first needed
+  SoSFString filename{this, "filename"}; ///< beside the scene file, else in the search path; read when it is first needed
   SoSFImage image{this, "image"};        ///< counts while there is no filename
   SoSFEnum wrapS{this, "wrapS", REPEAT, wraps()};
   SoSFEnum wrapT{this, "wrapT", REPEAT, wraps()};
@@ -32,14 +33,16 @@ class SoTexture2 : public SoNode {
   SoSFBool override_{this, "override", false}; ///< what this node sets can not be changed further down
 
   /// The image of the file, or else of the field; empty when there is none. A file that can not be read is
-  /// posted once as a read error.
+  /// posted as a read error, once for all nodes that name it.
   SbImage getImage() const;
 
  protected:
   void fieldChanged(SoField* field) override;
   ~SoTexture2() override = default;
+  void copyContents(SoFieldContainer const& from, SoCopier&) override {
+    m_file = static_cast<SoTexture2 const&>(from).m_file;
+  }
 
  private:
-  mutable SbImage m_fileImage;
-  mutable bool m_fileAsked = false;
+  mutable SoNamedImage m_file;
 };

@@ -20,10 +20,11 @@ bool SoUnknownNode::declareField(SoType fieldType, SbName const& name) {
   return true;
 }
 
-SoUnknownNode* SoUnknownNode::makeEmptyCopy() const {
+SoFieldContainer* SoUnknownNode::makeEmpty() const {
   auto* copy = new SoUnknownNode(m_fileTypeName);
   for (auto const& field : m_fields) {
     copy->declareField(field->getTypeId(), field->getName());
+    // Symbols that were learned from the file.
     *copy->getOpenSymbols(field->getIndex()) = m_data.getSymbols(field->getIndex());
   }
   return copy;

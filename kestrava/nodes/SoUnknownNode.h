@@ -19,10 +19,9 @@ class SoUnknownNode : public SoGroup {
   SbName const& getFileTypeName() const { return m_fileTypeName; }
   /// Adds a field of a type; false when there is one of that name or when the type is not one of fields.
   bool declareField(SoType fieldType, SbName const& name);
-  /// A node (count 0) with the same type and fields, these with their defaults.
-  SoUnknownNode* makeEmptyCopy() const;
 
  protected:
+  SoFieldContainer* makeEmpty() const override;
   ~SoUnknownNode() override = default;
   SoFieldData& getClassFieldData() const override { return m_data; }
   std::vector<SoEnumSymbol>* getOpenSymbols(int index) override;

@@ -134,7 +134,7 @@ class LineMaker {
       Entry const &a = run[i - 1], &b = run[i];
       if (!isGood) continue;
       m_builder.addSegment(m_builder.corner(a.coord, {a.slot, a.vertex, number, m_part}),
-                           m_builder.corner(b.coord, {b.slot, b.vertex, number, m_part}));
+                           m_builder.corner(b.coord, {b.slot, b.vertex, number, m_part}), number);
     }
   }
 
@@ -157,7 +157,7 @@ class StripMaker {
       for (Entry const& e : {run[first], run[second], run[i]}) {
         corners[n++] = m_builder.corner(e.coord, {e.slot, e.vertex, m_face, number});
       }
-      m_builder.addFace(corners, m_face);
+      m_builder.addFace(corners, m_face, number);
     }
   }
 
@@ -284,7 +284,7 @@ void SoQuadMesh::buildMesh(SoState const& state, SoMesh& mesh) const {
       int n = 0;
       for (int const i : {low, high, high + 1, low + 1})
         corners[n++] = builder.corner(start + i, {i, i, face, row});
-      builder.addFace(corners, face);
+      builder.addFace(corners, face, row);
     }
   }
   builder.finish();

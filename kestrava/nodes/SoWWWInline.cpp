@@ -1,6 +1,7 @@
 #include "kestrava/nodes/SoWWWInline.h"
 
 #include "kestrava/base/SoError.h"
+#include "kestrava/io/SoDB.h"
 #include "kestrava/nodes/SoSeparator.h"
 
 namespace {
@@ -36,7 +37,10 @@ void SoWWWInline::setChildData(SoNode* root) {
 }
 
 void SoWWWInline::fieldChanged(SoField* field) {
-  if (field == &name) m_requested = false;
+  if (field == &name) {
+    m_requested = false;
+    if (!SoDB::getFilesBeingRead().empty()) m_includers = SoDB::getFilesBeingRead();
+  }
   if (field != &alternateRep) return;
   // Silently: listeners hear of the field.
   auto* standIn = static_cast<SoSeparator*>(m_children[0]);

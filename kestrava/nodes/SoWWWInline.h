@@ -30,6 +30,9 @@ class SoWWWInline : public SoNode {
   /// Calls that function; without one, or without a name, nothing happens.
   void requestChildrenFromURL();
   bool isURLDataRequested() const { return m_requested; }
+  /// The files that this node stems from, the outermost first: what a name is relative to, and what it may
+  /// not load again (see SoDB::readIncluded()).
+  std::vector<SbString> const& getIncluders() const { return m_includers; }
   /// Replaces what is loaded; null unloads.
   void setChildData(SoNode* root);
   /// What is loaded, null before.
@@ -40,9 +43,14 @@ class SoWWWInline : public SoNode {
 
  protected:
   ~SoWWWInline() override;
+  void copyContents(SoFieldContainer const& from, SoCopier&) override {
+    m_includers = static_cast<SoWWWInline const&>(from).m_includers;
+    m_requested = static_cast<SoWWWInline const&>(from).m_requested;
+  }
   void fieldChanged(SoField* field) override;
 
  private:
   mutable SoChildList m_children{this};
+  std::vector<SbString> m_includers;
   bool m_requested = false;
 };

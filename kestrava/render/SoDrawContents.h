@@ -1,12 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "kestrava/actions/SoElements.h"
 #include "kestrava/base/SbBox3f.h"
-#include "kestrava/render/SoMesh.h"
+#include "kestrava/nodes/SoUniformShaderParameter.h"
+#include "kestrava/render/SoMeshIntersector.h"
 
 // What an SoDrawList consists of: copies of the traversal state that stay when the traversal is over.
 
@@ -15,6 +18,7 @@ struct SoDrawMesh {
   std::uint64_t key = 0;
   SoMesh mesh;
   SbBox3f bounds;
+  mutable SoMeshPicking picking;
 };
 
 /// The colours of a surface.
@@ -43,6 +47,28 @@ struct SoDrawTexture {
   Alpha alpha = SOLID;
 };
 
+/// A program of shaders that the scene brings along, and what is set for its variables.
+struct SoDrawShader {
+  enum Stage { VERTEX, GEOMETRY, FRAGMENT, NUM_STAGES };
+  struct Uniform {
+    std::string name;
+    int identifier;
+    SoUniformValue value;
+  };
+  std::uint64_t id = 0;                           // node id of the program
+  std::string name;                               // for messages
+  std::array<std::string, NUM_STAGES> sources;    // empty: the fixed stage
+  std::array<std::string, NUM_STAGES> sourceNames;
+  std::vector<Uniform> uniforms;
+};
+
+/// Names of the values that each copy of a shape has of its own.
+struct SoDrawInput {
+  std::string name;
+  int components;
+  friend bool operator==(SoDrawInput const&, SoDrawInput const&) = default;
+};
+
 /// Lights, fog and clipping planes around a shape, in world coordinates.
 struct SoDrawSurroundings {
   std::vector<SoLightElement::Light> lights;
@@ -63,6 +89,9 @@ struct SoDrawLook {
   unsigned linePattern = 0xffff;
   int texture = -1;  // index into the list's textures
   int surroundings = 0;
+  int shader = -1;          // index into the list's shaders
+  int inputs = -1;          // index into the list's sets of inputs; with a shader
+  bool fillsTexture = false;  // an image with depth fills the bounds of the shape
   friend bool operator==(SoDrawLook const&, SoDrawLook const&) = default;
 };
 

@@ -1,8 +1,8 @@
 #include "kestrava/render/SoDrawList.h"
 
+#include <algorithm>
 #include <atomic>
-#include <cmath>
-#include <limits>
+#include <mutex>
 
 #include "kestrava/base/SoChildList.h"
 #include "kestrava/nodes/SoCamera.h"
@@ -16,14 +16,55 @@ std::uint64_t nextVersion() {
   return ++last;
 }
 
+/// Without a camera of its own a view is that of the scene's cameras, which are part of the scene.
 bool isSame(SoDrawList::View const& a, SoDrawList::View const& b) {
-  return a.region == b.region && a.camera == b.camera && a.volume.getMatrix() == b.volume.getMatrix();
+  if (a.region != b.region || !a.camera != !b.camera) return false;
+  return !a.camera || a.volume.getMatrix() == b.volume.getMatrix();
+}
+
+/// Every list there is, so that who picks finds one that who draws has prepared.
+struct Lists {
+  std::mutex mutex;
+  std::vector<SoDrawList*> all;
+};
+Lists& lists() {
+  static Lists& instance = *new Lists;
+  return instance;
 }
 
 }  // namespace
 
-SoDrawList::SoDrawList() : m_version(nextVersion()) {}
-SoDrawList::~SoDrawList() = default;
+SoDrawList::SoDrawList() : m_version(nextVersion()) {
+  std::lock_guard lock(lists().mutex);
+  lists().all.push_back(this);
+}
+
+SoDrawList::~SoDrawList() {
+  std::lock_guard lock(lists().mutex);
+  std::erase(lists().all, this);
+}
+
+SoDrawList const* SoDrawList::findPrepared(SoNode* root, View const& view) {
+  SoDrawList* found = nullptr;
+  {
+    std::lock_guard lock(lists().mutex);
+    for (SoDrawList* list : lists().all) {
+      if (list->m_root != root || list->m_updating || list->m_thread != std::this_thread::get_id()) continue;
+      bool const isCurrent = list->m_rootId == root->getNodeId();
+      if (list->m_dependsOnView && !isSame(list->m_view, view)) continue;
+      if (!isCurrent && !list->m_view.camera != !view.camera) continue;
+      found = list;
+      if (isCurrent) break;
+    }
+  }
+  if (!found) return nullptr;
+  // The list's own camera may be gone by now.
+  View updated = found->m_view;
+  updated.camera = updated.camera ? view.camera : nullptr;
+  // The owner would have to do this before its next frame anyway.
+  if (found->m_rootId != root->getNodeId()) found->update(root, updated);
+  return found->m_dependsOnView && !isSame(found->m_view, view) ? nullptr : found;
+}
 
 void SoDrawList::clear() {
   m_items.clear();
@@ -32,7 +73,13 @@ void SoDrawList::clear() {
   m_looks.clear();
   m_textures.clear();
   m_surroundings.clear();
+  m_shaders.clear();
+  m_inputs.clear();
+  m_inputValues.clear();
   m_textureMatrices.clear();
+  m_screenTexts.clear();
+  m_screenSizes.clear();
+  m_picker.reset();
   m_background = SoDrawBackground();
   m_bounds.makeEmpty();
   m_hasLights = false;
@@ -41,16 +88,54 @@ void SoDrawList::clear() {
   m_dependsOnView = false;
 }
 
+/// True when the list would be the same for another view.
+bool SoDrawList::fits(View const& view) const {
+  if (m_dependsOnView && !isSame(view, m_view)) return false;
+  if (m_screenSizes.empty()) return true;
+  auto const volume = view.camera ? view.volume : getCameraVolume(view.region.getViewportAspectRatio());
+  return !volume || std::all_of(m_screenSizes.begin(), m_screenSizes.end(),
+                                [&](auto const& size) { return size.fits(*volume, view.region); });
+}
+
 void SoDrawList::update(SoNode* root, View const& view) {
   std::uint64_t const id = root ? root->getNodeId() : 0;
-  if (id == m_rootId && !(m_dependsOnView && !isSame(view, m_view))) return;
+  if (id == m_rootId && fits(view)) return;
   m_view = view;
+  m_thread = std::this_thread::get_id();
+  m_root = root;
+  m_updating = true;
   clear();
   SoDrawListAction(*this, m_view).apply(root);
+  m_updating = false;
   // A field that fetched its value from a connection meanwhile has changed the id.
   m_rootId = root ? root->getNodeId() : 0;
   ++m_numRebuilds;
   m_version = nextVersion();
+}
+
+std::optional<SbViewVolume> SoDrawList::getCameraVolume(float aspect) const {
+  if (!m_camera) return std::nullopt;
+  SbViewVolume volume = m_camera->getViewVolume(aspect);
+  if (m_cameraMatrix.isIdentity()) return volume;
+  SbVec3f translation, scale;
+  SbRotation rotation, scaleOrientation;
+  m_cameraMatrix.getTransform(translation, rotation, scale, scaleOrientation);
+  SbVec3f const position = volume.getProjectionPoint();
+  volume.rotateCamera(rotation);
+  volume.translateCamera(m_cameraMatrix.multVecMatrix(position) - position);
+  return volume;
+}
+
+bool SoDrawList::isBelow(int item, SoPath const& path) const {
+  std::vector<Place const*> places;
+  for (int i = m_items[item].place; i >= 0; i = m_places[i].above) places.push_back(&m_places[i]);
+  int const length = path.getLength();
+  if (static_cast<int>(places.size()) < length) return false;
+  for (int i = 0; i < length; ++i) {
+    Place const& place = *places[places.size() - 1 - static_cast<size_t>(i)];
+    if (place.node != path.getNode(i) || (i > 0 && place.childIndex != path.getIndex(i))) return false;
+  }
+  return true;
 }
 
 SoRef<SoPath> SoDrawList::getPath(int item) const {
@@ -63,71 +148,17 @@ SoRef<SoPath> SoDrawList::getPath(int item) const {
   return path;
 }
 
-namespace {
-
-/// Distance along the ray at which it enters a box, negative when it misses.
-float enterBox(SbVec3f const& origin, SbVec3f const& direction, SbBox3f const& box) {
-  float from = 0, to = std::numeric_limits<float>::max();
-  for (int axis = 0; axis < 3; ++axis) {
-    if (direction[axis] == 0) {
-      if (origin[axis] < box.getMin()[axis] || origin[axis] > box.getMax()[axis]) return -1;
-      continue;
-    }
-    float a = (box.getMin()[axis] - origin[axis]) / direction[axis];
-    float b = (box.getMax()[axis] - origin[axis]) / direction[axis];
-    if (a > b) std::swap(a, b);
-    from = std::max(from, a);
-    to = std::min(to, b);
-  }
-  return from <= to ? from : -1;
+SoDrawListPicker const& SoDrawList::getPicker() const {
+  if (!m_picker) m_picker = std::make_unique<SoDrawListPicker>(*this);
+  return *m_picker;
 }
-
-/// Distance (in lengths of `direction`) at which a ray meets a triangle, negative when it misses.
-float meetTriangle(SbVec3f const& origin, SbVec3f const& direction, SbVec3f const& a, SbVec3f const& b,
-                   SbVec3f const& c) {
-  SbVec3f const ab = b - a, ac = c - a;
-  SbVec3f const p = direction.cross(ac);
-  float const determinant = ab.dot(p);
-  if (determinant == 0) return -1;
-  SbVec3f const s = origin - a;
-  float const u = s.dot(p) / determinant;
-  if (!(u >= 0 && u <= 1)) return -1;
-  SbVec3f const q = s.cross(ab);
-  float const v = direction.dot(q) / determinant;
-  if (!(v >= 0 && u + v <= 1)) return -1;
-  return ac.dot(q) / determinant;
-}
-
-}  // namespace
 
 SoDrawList::Hit SoDrawList::intersect(SbLine const& ray) const {
+  SoDrawListPicker::Query query;
+  query.ray = ray;
   Hit hit;
-  hit.distance = std::numeric_limits<float>::max();
-  for (size_t i = 0; i < m_items.size(); ++i) {
-    Item const& item = m_items[i];
-    if (!item.pickable || item.mesh->mesh.triangles.empty()) continue;
-    float const entered = enterBox(ray.getPosition(), ray.getDirection(), item.bounds);
-    if (entered < 0 || entered >= hit.distance) continue;
-    bool invertible = false;
-    SbMatrix const toShape = item.matrix.inverse(&invertible);
-    if (!invertible) continue;
-    // The direction is not brought to unit length, so that distances stay those of the world.
-    SbVec3f const origin = toShape.multVecMatrix(ray.getPosition());
-    SbVec3f const direction = toShape.multDirMatrix(ray.getDirection());
-    SoMesh const& mesh = item.mesh->mesh;
-    for (int t = 0; t < mesh.getNumTriangles(); ++t) {
-      SbVec3f const* const p = mesh.positions.data();
-      std::uint32_t const* const v = &mesh.triangles[3 * static_cast<size_t>(t)];
-      float const distance = meetTriangle(origin, direction, p[v[0]], p[v[1]], p[v[2]]);
-      if (distance < 0 || distance >= hit.distance) continue;
-      hit.item = static_cast<int>(i);
-      hit.triangle = t;
-      hit.distance = distance;
-      hit.normal = (p[v[1]] - p[v[0]]).cross(p[v[2]] - p[v[0]]);
-    }
+  for (auto const& met : getPicker().pick(query)) {
+    hit = {met.item, met.primitive, met.point, met.normal, met.distance};
   }
-  if (hit.item < 0) return hit;
-  hit.point = ray.getPoint(hit.distance);
-  hit.normal = m_items[hit.item].matrix.inverse().transpose().multDirMatrix(hit.normal).normalized();
   return hit;
 }

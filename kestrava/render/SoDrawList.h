@@ -1,11 +1,16 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <thread>
 #include <unordered_map>
 
 #include "kestrava/base/SbLine.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/render/SoDrawContents.h"
+#include "kestrava/render/SoDrawListPicker.h"
+#include "kestrava/render/SoScreenText.h"
+#include "kestrava/render/SoTessellation.h"
 
 class SoCamera;
 class SoNode;
@@ -14,7 +19,8 @@ class SoShape;
 /// Everything that a scene shows, in the order of the graph, prepared for drawing: one item for each place of
 /// a shape. The list is made by walking the graph and stays as long as the node id of the root; neither the
 /// camera that looks at it nor the viewport is part of it. Only scenes in which the view decides what is
-/// shown (levels of detail, texts in the plane of the screen) are walked again when the view changes.
+/// shown (levels of detail) are walked again when the view changes, and those with shapes that are as fine as they are
+/// large on the screen when one of these has to become finer or coarser.
 class SoDrawList {
  public:
   struct Item {
@@ -26,7 +32,9 @@ class SoDrawList {
     int look;
     int textureMatrix;  // -1: identity
     int place;          // for getPath()
+    int instance;       // where its inputs begin among the list's input values; -1: it has none
     bool pickable;
+    bool pickedAsBox;
   };
   /// From where the scene is going to be seen.
   struct View {
@@ -49,6 +57,9 @@ class SoDrawList {
 
   /// Makes the list anew when that is necessary. Null makes an empty list.
   void update(SoNode* root, View const& view);
+  /// A list that somebody else on this thread keeps for the root, brought up to date; null when there is none, or
+  /// none for this view where that matters. For a short look: it is its owner's.
+  static SoDrawList const* findPrepared(SoNode* root, View const& view);
   /// How often the graph was walked.
   int getNumRebuilds() const { return m_numRebuilds; }
   /// Another number after each rebuild; no two states of any lists share one. Never 0.
@@ -59,6 +70,9 @@ class SoDrawList {
   std::vector<SoDrawLook> const& getLooks() const { return m_looks; }
   std::vector<SoDrawTexture> const& getTextures() const { return m_textures; }
   std::vector<SoDrawSurroundings> const& getSurroundings() const { return m_surroundings; }
+  std::vector<SoDrawShader> const& getShaders() const { return m_shaders; }
+  std::vector<std::vector<SoDrawInput>> const& getInputs() const { return m_inputs; }
+  std::vector<float> const& getInputValues() const { return m_inputValues; }
   std::vector<SbMatrix> const& getTextureMatrices() const { return m_textureMatrices; }
   SoDrawBackground const& getBackground() const { return m_background; }
   /// Around all items, in world coordinates.
@@ -67,9 +81,16 @@ class SoDrawList {
   /// A copy of the scene's first camera and the way from its coordinates to those of the world; null when there is none.
   SoCamera* getCamera() const { return m_camera; }
   SbMatrix const& getCameraMatrix() const { return m_cameraMatrix; }
+  /// What that camera sees through a viewport of an aspect, in world coordinates; nothing when there is none.
+  std::optional<SbViewVolume> getCameraVolume(float aspect) const;
 
   /// A path from the root to the shape of an item.
   SoRef<SoPath> getPath(int item) const;
+  /// True when an item stands at the end of a path from the root, or below it.
+  bool isBelow(int item, SoPath const& path) const;
+  std::vector<SoScreenText> const& getScreenTexts() const { return m_screenTexts; }
+  /// Made when it is first asked for; good until the next update().
+  SoDrawListPicker const& getPicker() const;
   /// The triangle that a ray meets first, lines and points left out; item -1 when it meets none.
   Hit intersect(SbLine const& ray) const;
 
@@ -82,7 +103,11 @@ class SoDrawList {
     int above;  // index of the place above, -1 for the root
   };
   void clear();
+  bool fits(View const& view) const;
 
+  SoNode const* m_root = nullptr; // never looked into: it may be gone
+  std::thread::id m_thread;       // where the list was last brought up to date
+  bool m_updating = false;
   std::uint64_t m_rootId = 0;
   View m_view;
   bool m_dependsOnView = false;
@@ -95,7 +120,13 @@ class SoDrawList {
   std::vector<SoDrawLook> m_looks;
   std::vector<SoDrawTexture> m_textures;
   std::vector<SoDrawSurroundings> m_surroundings;
+  std::vector<SoDrawShader> m_shaders;
+  std::vector<std::vector<SoDrawInput>> m_inputs;
+  std::vector<float> m_inputValues;
   std::vector<SbMatrix> m_textureMatrices;
+  std::vector<SoScreenText> m_screenTexts;
+  std::vector<SoTessellation::ScreenSize> m_screenSizes;
+  mutable std::unique_ptr<SoDrawListPicker> m_picker;
   SoDrawBackground m_background;
   SbBox3f m_bounds;
   bool m_hasLights = false;

@@ -2,14 +2,27 @@
 
 #include "kestrava/nodes/SoAnnotation.h"
 #include "kestrava/nodes/SoCamera.h"
+#include "kestrava/nodes/SoFragmentShader.h"
+#include "kestrava/nodes/SoGeometryShader.h"
 #include "kestrava/nodes/SoGradientBackground.h"
 #include "kestrava/nodes/SoImageBackground.h"
+#include "kestrava/nodes/SoInstanceParameter.h"
 #include "kestrava/nodes/SoLOD.h"
 #include "kestrava/nodes/SoLevelOfDetail.h"
+#include "kestrava/nodes/SoShaderProgram.h"
 #include "kestrava/nodes/SoShape.h"
 #include "kestrava/nodes/SoText2.h"
+#include "kestrava/nodes/SoVertexShader.h"
+#include "kestrava/render/SoGLProgram.h"
+#include "kestrava/render/SoMeshBuilder.h"
+#include "kestrava/render/SoTessellation.h"
 
 namespace {
+
+/// The program that draws what follows, as an index into the list.
+struct SoShaderElement {
+  int shader = -1;
+};
 
 bool isSame(SoLightElement::Light const& a, SoLightElement::Light const& b) {
   return a.kind == b.kind && a.color == b.color && a.position == b.position && a.direction == b.direction &&
@@ -77,7 +90,7 @@ Role roleOf(SoType type) {
     Role role = Role::ORDINARY;
     if (type.isDerivedFrom(SoCamera::getClassTypeId())) {
       role = Role::CAMERA;
-    } else if (type.isDerivedFrom(SoLOD::getClassTypeId()) || type.isDerivedFrom(SoText2::getClassTypeId()) ||
+    } else if (type.isDerivedFrom(SoLOD::getClassTypeId()) ||
                type.isDerivedFrom(SoLevelOfDetail::getClassTypeId())) {
       role = Role::VIEW_DEPENDENT;
     }
@@ -93,6 +106,7 @@ SoDrawListAction::SoDrawListAction(SoDrawList& list, SoDrawList::View const& vie
 
 void SoDrawListAction::begin() {
   SoStateAction::begin();
+  getState().modify<SoScreenSizesElement>().sizes = &m_list.m_screenSizes;
   m_formerMeshes.swap(m_list.m_meshes);
   m_formerAlphas.swap(m_list.m_textureAlphas);
   if (!m_view.camera) return;
@@ -140,7 +154,7 @@ std::shared_ptr<SoDrawMesh const> SoDrawListAction::meshOf(SoShape const& shape)
   if (auto former = m_formerMeshes.find(key); former != m_formerMeshes.end()) return entry = former->second;
   auto made = std::make_shared<SoDrawMesh>();
   made->key = key;
-  shape.buildMesh(getState(), made->mesh);
+  shape.buildShownMesh(getState(), made->mesh);
   made->bounds = made->mesh.getBounds();
   return entry = std::move(made);
 }
@@ -157,7 +171,7 @@ int SoDrawListAction::textureIndex(SoTextureImageElement const& element) {
   for (int i = static_cast<int>(textures.size()) - 1; i >= 0; --i) {
     SoTextureImageElement const& other = textures[i].element;
     if (other.image.getSharedBytes() == element.image.getSharedBytes() && other.repeatS == element.repeatS &&
-        other.repeatT == element.repeatT && other.model == element.model && other.blendColor == element.blendColor) {
+        other.repeatT == element.repeatT && other.repeatR == element.repeatR && other.model == element.model && other.blendColor == element.blendColor) {
       return i;
     }
   }
@@ -214,12 +228,19 @@ SoDrawLook SoDrawListAction::lookOf(SoDrawMesh const& mesh, SoDrawMaterial const
   look.culled = hints.solid && look.ordered;
   look.environmentMap = coordinates.source == SoTextureCoordinateElement::ENVIRONMENT;
   look.surroundings = surroundingsIndex();
+  auto const& texture = state.get<SoTextureImageElement>();
   if (look.environmentMap || !mesh.mesh.texCoords.empty()) {
-    look.texture = textureIndex(state.get<SoTextureImageElement>());
+    look.texture = textureIndex(texture);
+    look.fillsTexture = look.texture >= 0 && texture.image.getDepth() > 0 &&
+                        coordinates.source == SoTextureCoordinateElement::SHAPE_DEFAULT;
   }
+  look.shader = state.get<SoShaderElement>().shader;
+  // Of several colours a shape without a binding shows the first.
+  bool const transparent =
+      mesh.mesh.materials.empty() ? (material.getColor(0) & 0xff) < 0xff : material.transparent;
   if (m_annotations > 0) {
     look.layer = SoDrawLook::ANNOTATION;
-  } else if (material.transparent) {
+  } else if (transparent) {
     look.layer = SoDrawLook::TRANSPARENT;
   } else if (look.texture >= 0) {
     SoDrawTexture const& texture = m_list.m_textures[look.texture];
@@ -230,25 +251,100 @@ SoDrawLook SoDrawListAction::lookOf(SoDrawMesh const& mesh, SoDrawMaterial const
   return look;
 }
 
-void SoDrawListAction::addShape(SoShape const& shape) {
+void SoDrawListAction::addShape(SoShape const& shape, std::shared_ptr<SoDrawMesh const> mesh) {
   SoState& state = getState();
   if (state.get<SoDrawStyleElement>().style == SoDrawStyleElement::INVISIBLE) return;
-  auto mesh = meshOf(shape);
-  if (mesh->bounds.isEmpty()) return;
   state.push();
+  if (state.get<SoShaderElement>().shader >= 0 && state.get<SoTextureImageElement>().id == 0) {
+    // A shader may want the texture coordinates that shapes have only where there is a texture.
+    state.modify<SoTextureImageElement>().id = 1;
+  }
+  if (!mesh) mesh = meshOf(shape);
+  if (mesh->bounds.isEmpty()) return state.pop();
   shape.applyOwnState(state);
   SoDrawList::Item item;
   item.shape = &shape;
   item.matrix = state.get<SoModelMatrixElement>().matrix;
   item.bounds = mesh->bounds.transformed(item.matrix);
   item.material = materialIndex(state.get<SoMaterialElement>());
-  item.look = lookIndex(lookOf(*mesh, m_list.m_materials[item.material]));
+  SoDrawLook look = lookOf(*mesh, m_list.m_materials[item.material]);
+  item.instance = -1;
+  if (look.shader >= 0) look.inputs = addInputs(item);
+  item.look = lookIndex(look);
   item.textureMatrix = textureMatrixIndex(state.get<SoTextureMatrixElement>().matrix);
   item.place = enterPlaces();
   item.pickable = state.get<SoPickStyleElement>().pickable;
+  item.pickedAsBox = state.get<SoPickStyleElement>().boundingBox;
   item.mesh = std::move(mesh);
   state.pop();
   m_list.m_items.push_back(std::move(item));
+}
+
+void SoDrawListAction::addText(SoText2 const& text) {
+  auto bitmap = SoScreenText::layOut(text, getState());
+  SbVec3f const place = getState().get<SoModelMatrixElement>().matrix.multVecMatrix(SbVec3f());
+  if (!bitmap || !std::isfinite(place[0] + place[1] + place[2])) return;
+  auto point = std::make_shared<SoDrawMesh>();
+  point->bounds.extendBy(SbVec3f());
+  size_t const before = m_list.m_items.size();
+  addShape(text, std::move(point));
+  if (m_list.m_items.size() == before) return;
+  SoDrawMaterial const& material = m_list.m_materials[m_list.m_items.back().material];
+  SoScreenText added;
+  added.item = static_cast<int>(before);
+  added.place = place;
+  added.bitmap = std::move(bitmap);
+  added.color.setPackedValue(material.getColor(0));
+  if (getState().get<SoLightModelElement>().lit) {
+    // As if lit from the front.
+    for (int i = 0; i < 3; ++i) added.color[i] = std::min(1.0f, added.color[i] + material.gloss[0].emissive[i]);
+  }
+  m_list.m_screenTexts.push_back(std::move(added));
+}
+
+/// Enters what the groups around say about the copy; answers which set of inputs that is.
+int SoDrawListAction::addInputs(SoDrawList::Item& item) {
+  auto const& given = getState().get<SoInstanceElement>().values;
+  std::vector<SoDrawInput> inputs;
+  for (size_t i = 0; i < given.size(); ++i) {
+    auto const* const parameter = dynamic_cast<SoInstanceParameter const*>(given[i].parameter);
+    if (!parameter || parameter->name.getValue().empty()) continue;
+    // Inner groups win.
+    std::string const& name = parameter->name.getValue().str();
+    bool const isLast = std::none_of(given.begin() + static_cast<std::ptrdiff_t>(i) + 1, given.end(), [&](auto const& other) {
+      auto const* const inner = dynamic_cast<SoInstanceParameter const*>(other.parameter);
+      return inner && inner->name.getValue().str() == name;
+    });
+    if (!isLast) continue;
+    if (inputs.size() == SoGLProgram::MAX_INPUTS) {
+      SoPostDataError(*parameter, SbString::format("a shape has at most %d instance parameters; '%s' is left out",
+                                                   SoGLProgram::MAX_INPUTS, name.c_str()));
+      break;
+    }
+    inputs.push_back({name, parameter->getNumComponents()});
+    float components[4] = {};
+    parameter->getValue(given[i].index, components);
+    auto& values = m_list.m_inputValues;
+    if (item.instance < 0) item.instance = static_cast<int>(values.size());
+    values.insert(values.end(), components, components + parameter->getNumComponents());
+  }
+  if (inputs.empty()) return -1;
+  auto& sets = m_list.m_inputs;
+  auto const known = std::find(sets.begin(), sets.end(), inputs);
+  if (known != sets.end()) return static_cast<int>(known - sets.begin());
+  sets.push_back(std::move(inputs));
+  return static_cast<int>(sets.size()) - 1;
+}
+
+void SoDrawListAction::setShader(SoDrawShader const& shader) {
+  auto& shaders = m_list.m_shaders;
+  int& index = getState().modify<SoShaderElement>().shader;
+  index = -1;
+  bool const isFixed = std::all_of(shader.sources.begin(), shader.sources.end(), [](auto const& s) { return s.empty(); });
+  if (isFixed) return;
+  auto const known = std::find_if(shaders.begin(), shaders.end(), [&](auto const& s) { return s.id == shader.id; });
+  index = static_cast<int>(known - shaders.begin());
+  if (known == shaders.end()) shaders.push_back(shader);
 }
 
 void SoDrawListAction::addCamera(SoCamera& camera) {
@@ -262,6 +358,7 @@ void SoDrawListAction::addCamera(SoCamera& camera) {
 namespace {
 
 void visitShape(SoDrawListAction& action, SoShape& shape) { action.addShape(shape); }
+void visitText(SoDrawListAction& action, SoText2& text) { action.addText(text); }
 
 void visitAnnotation(SoDrawListAction& action, SoAnnotation& node) {
   action.enterAnnotation();
@@ -287,7 +384,47 @@ void visitImage(SoDrawListAction& action, SoImageBackground& node) {
   action.setBackground(background);
 }
 
+void visitShaderProgram(SoDrawListAction& action, SoShaderProgram& node) {
+  SoDrawShader shader;
+  shader.id = node.getNodeId();
+  shader.name = node.getName().str();
+  bool complete = true;
+  for (int i = 0; i < node.shaderObject.getNumValues() && !node.shaderObject.isIgnored(); ++i) {
+    SoNode* const child = node.shaderObject[i];
+    auto* const object = dynamic_cast<SoShaderObject*>(child);
+    int const stage = dynamic_cast<SoVertexShader*>(child)     ? SoDrawShader::VERTEX
+                      : dynamic_cast<SoGeometryShader*>(child) ? SoDrawShader::GEOMETRY
+                                                               : SoDrawShader::FRAGMENT;
+    if (!object) {
+      if (child) SoPostDataError(node, "a " + child->getTypeId().getName().str() + " is no shader");
+      continue;
+    }
+    if (!object->isActive.getValue() || object->sourceProgram.getValue().empty()) continue;
+    if (!shader.sources[stage].empty()) {
+      SoPostDataError(node, "there are two active nodes of type " + object->getTypeId().getName().str());
+      continue;
+    }
+    shader.sources[stage] = object->getSource().str();
+    shader.sourceNames[stage] = object->sourceType.getValue() == SoShaderObject::FILENAME
+                                    ? object->sourceProgram.getValue().str()
+                                    : object->getName().str();
+    if (shader.sources[stage].empty()) complete = false;
+    for (int k = 0; k < object->parameter.getNumValues(); ++k) {
+      auto* const parameter = dynamic_cast<SoUniformShaderParameter*>(object->parameter[k]);
+      if (!parameter) {
+        SoPostDataError(*object, "a parameter is no shader parameter");
+        continue;
+      }
+      shader.uniforms.push_back(
+          {parameter->name.getValue().str(), parameter->identifier.getValue(), parameter->getUniformValue()});
+    }
+  }
+  // What is missing was posted by who asked for it.
+  if (!complete) shader.sources = {};
+  action.setShader(shader);
+}
+
 bool const registered =
-    SoAction::addMethods<visitShape, visitAnnotation, visitGradient, visitImage>();
+    SoAction::addMethods<visitShape, visitText, visitShaderProgram, visitAnnotation, visitGradient, visitImage>();
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include "kestrava/actions/SoStateAction.h"
 #include "kestrava/render/SoDrawList.h"
 
+class SoText2;
+
 /// Walks a scene and enters what it shows into a draw list. A node type that is drawn in its own way registers
 /// a method for this action.
 class SoDrawListAction : public SoStateAction {
@@ -10,9 +12,13 @@ class SoDrawListAction : public SoStateAction {
  public:
   SoDrawListAction(SoDrawList& list, SoDrawList::View const& view);
 
-  /// Enters a shape with the present state.
-  void addShape(SoShape const& shape);
+  /// Enters a shape with the present state. Null: the mesh is the one that the shape builds.
+  void addShape(SoShape const& shape, std::shared_ptr<SoDrawMesh const> mesh = nullptr);
+  /// Enters a text in the plane of the screen.
+  void addText(SoText2 const& text);
   void setBackground(SoDrawBackground const& background) { m_list.m_background = background; }
+  /// A program for what follows; with all stages empty the fixed one.
+  void setShader(SoDrawShader const& shader);
   void enterAnnotation() { ++m_annotations; }
   void leaveAnnotation() { --m_annotations; }
 
@@ -37,6 +43,7 @@ class SoDrawListAction : public SoStateAction {
   int textureMatrixIndex(SbMatrix const& matrix);
   int enterPlaces();
   SoDrawLook lookOf(SoDrawMesh const& mesh, SoDrawMaterial const& material);
+  int addInputs(SoDrawList::Item& item);
 
   SoDrawList& m_list;
   SoDrawList::View const& m_view;

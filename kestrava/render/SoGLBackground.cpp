@@ -71,12 +71,12 @@ Rectangles rectanglesOf(SoDrawBackground const& background, SbVec2s size) {
 void SoGLBackground::draw(SoDrawBackground const& background, SbVec2s size, SoGLTextures& textures) {
   if (background.kind == SoDrawBackground::NONE) return;
   if (!m_vertexArray) {
-    m_program = SoGLProgram::build("background", VERTEX, "", FRAGMENT);
+    m_program = SoGLProgram::build("background", VERTEX, FRAGMENT);
     glGenVertexArrays(1, &m_vertexArray);
   }
   if (!m_program) return;
   bool const hasImage = background.kind == SoDrawBackground::IMAGE;
-  if (hasImage && !textures.bind(SoGLProgram::IMAGE_UNIT, background.image, true, true)) return;
+  if (hasImage && !textures.bind(SoGLProgram::IMAGE_UNIT, background.image, {true, true, true})) return;
   glUseProgram(m_program);
   auto uniform = [this](char const* name) { return glGetUniformLocation(m_program, name); };
   Rectangles const r = rectanglesOf(background, size);

@@ -27,22 +27,12 @@ void SoGLRenderAction::prepare(SoNode* root) {
 SbViewVolume SoGLRenderAction::sceneVolume(SoNode* root) {
   float const aspect = m_frame.region.getViewportAspectRatio();
   m_list.update(root, {m_frame.region, m_frontCamera, m_frame.volume});
-  if (SoCamera* const camera = m_list.getCamera()) {
-    SbViewVolume volume = camera->getViewVolume(aspect);
+  if (auto const volume = m_list.getCameraVolume(aspect)) {
     if (m_frontCamera) {
       m_frontCamera.reset();
-      m_list.update(root, {m_frame.region, nullptr, volume});
+      m_list.update(root, {m_frame.region, nullptr, *volume});
     }
-    SbMatrix const& matrix = m_list.getCameraMatrix();
-    if (!matrix.isIdentity()) {
-      SbVec3f translation, scale;
-      SbRotation rotation, scaleOrientation;
-      matrix.getTransform(translation, rotation, scale, scaleOrientation);
-      SbVec3f const position = volume.getProjectionPoint();
-      volume.rotateCamera(rotation);
-      volume.translateCamera(matrix.multVecMatrix(position) - position);
-    }
-    return volume;
+    return *volume;
   }
   if (!m_frontCamera) m_frontCamera = SoRef<SoCamera>(new SoPerspectiveCamera);
   m_frontCamera->viewAll(m_list.getBounds(), aspect);

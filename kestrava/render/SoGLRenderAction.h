@@ -30,6 +30,8 @@ class SoGLRenderAction : public SoStateAction {
   /// none the scene is seen from the front as a whole. Referenced.
   void setCamera(SoCamera* camera);
   SoCamera* getCamera() const { return m_camera; }
+  /// The camera that shows the latest scene from the front; null while there is one in the scene or outside.
+  SoCamera* getFrontCamera() const { return m_camera ? nullptr : m_frontCamera.get(); }
   /// True: the near and far planes close around the scene instead of being the camera's.
   void setFitDepth(bool on) { m_fitDepth = on; }
 

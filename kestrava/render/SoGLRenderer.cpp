@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "kestrava/base/SoError.h"
 #include "kestrava/render/SoGLBackground.h"
 #include "kestrava/render/SoGLState.h"
 
@@ -12,7 +13,7 @@ namespace {
 
 // The uniform blocks of the shaders.
 struct ViewBlock {
-  float viewProjection[16], view[16], viewport[4], unproject[4], shift[4];
+  float viewProjection[16], view[16], projection[16], inverseView[16], viewport[4], unproject[4], shift[4];
 };
 struct LightBlock {
   float position[4], direction[4], color[4], attenuation[4];
@@ -61,6 +62,18 @@ SurroundingsBlock blockOf(SoDrawSurroundings const& surroundings, SbMatrix const
   return block;
 }
 
+/// For programs that leave no room for the stage that widens lines: as wide as the context lets lines be.
+void setPlainLineWidth(float width) {
+  if (width != 1) {
+    int flags = 0;
+    float range[2] = {1, 1};
+    glGetIntegerv(GL_CONTEXT_FLAGS, &flags);
+    glGetFloatv(GL_ALIASED_LINE_WIDTH_RANGE, range);
+    width = flags & GL_CONTEXT_FLAG_FORWARD_COMPATIBLE_BIT ? 1 : std::clamp(width, range[0], range[1]);
+  }
+  glLineWidth(width);
+}
+
 constexpr size_t MAX_PAGE_VERTICES = 16384;
 constexpr size_t MIN_PLACES = 16;             // of a mesh that is worth a draw call of its own
 constexpr size_t MIN_PLACED_VERTICES = 4096;
@@ -73,9 +86,11 @@ SoGLRenderer::~SoGLRenderer() = default;
 void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
   SbVec2s const origin = frame.region.getViewportOriginPixels(), size = frame.region.getViewportSizePixels();
   if (size[0] <= 0 || size[1] <= 0) return;
-  SoGLState const before;
+  int const ownUnits = list.getShaders().empty() ? 0 : SoGLProgram::MAX_OWN_UNITS;
+  SoGLState const before(SoGLProgram::FIRST_OWN_UNIT + ownUnits);
   m_statistics.drawCalls = m_statistics.rangesSeen = m_statistics.rangesCulled = 0;
-  if (m_preparedVersion != list.getVersion()) prepare(list);
+  bool const sortable = frame.transparency == SORTED_TRIANGLES;
+  if (m_preparedVersion != list.getVersion() || m_preparedSortable != sortable) prepare(list, frame);
 
   glViewport(origin[0], origin[1], size[0], size[1]);
   glScissor(origin[0], origin[1], size[0], size[1]);
@@ -96,10 +111,11 @@ void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
   glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
   glDisable(GL_BLEND);
   m_clipDistances = 0;
-  for (unsigned i = 0; i < 6; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
+  for (unsigned i = 0; i < SoGLProgram::MAX_CLIP_DISTANCES; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
   if (frame.clears) {
     SbColorRGBA const& c = frame.background;
-    glClearColor(c[0], c[1], c[2], c[3]);
+    // Where the ground is not opaque the picture holds colours multiplied by alpha.
+    glClearColor(c[0] * c[3], c[1] * c[3], c[2] * c[3], c[3]);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     m_background.draw(list.getBackground(), size, m_textures);
   }
@@ -111,23 +127,41 @@ void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
 
   glEnable(GL_DEPTH_TEST);
   drawLayer(list, SoDrawLook::OPAQUE);
-  if (frame.transparency != NONE) {
-    glEnable(GL_BLEND);
-    glDepthMask(GL_FALSE);
-  }
-  if (frame.transparency == SORTED) {
-    drawInTurn(list, frame);
-  } else {
-    drawLayer(list, SoDrawLook::TRANSPARENT);
-  }
+  drawTexts(list, frame, SoDrawLook::OPAQUE);
+  drawTransparent(list, frame);
   bool const annotated = std::any_of(m_groups.begin(), m_groups.end(),
                                      [](Group const& g) { return g.look.layer == SoDrawLook::ANNOTATION; });
-  if (annotated) {
+  if (annotated || m_texts.hasAnnotations()) {
     glDepthMask(GL_TRUE);
     glClear(GL_DEPTH_BUFFER_BIT);
     glEnable(GL_BLEND);
     drawLayer(list, SoDrawLook::ANNOTATION);
+    drawTexts(list, frame, SoDrawLook::ANNOTATION);
   }
+}
+
+void SoGLRenderer::drawTexts(SoDrawList const& list, Frame const& frame, SoDrawLook::Layer layer) {
+  // The program of texts clips them as a whole.
+  for (int i = 0; i < m_clipDistances; ++i) glDisable(GL_CLIP_DISTANCE0 + static_cast<unsigned>(i));
+  m_clipDistances = 0;
+  m_texts.draw(list, layer, frame.volume, frame.region);
+}
+
+/// What is beyond the limits of the shaders is told once, until it is no more.
+void SoGLRenderer::checkLimits(SoDrawList const& list) {
+  size_t lights = 0, planes = 0;
+  for (SoDrawSurroundings const& surroundings : list.getSurroundings()) {
+    lights = std::max(lights, surroundings.lights.size());
+    planes = std::max(planes, surroundings.clipPlanes.size());
+  }
+  bool const exceeded = lights > SoGLProgram::MAX_LIGHTS || planes > SoGLProgram::MAX_CLIP_PLANES;
+  if (exceeded && !m_toldLimits) {
+    SoDebugError::postWarning("SoGLRenderer",
+                              "some shape stands among %zu lights and %zu clipping planes; the first %d lights and "
+                              "the first %d planes count",
+                              lights, planes, SoGLProgram::MAX_LIGHTS, SoGLProgram::MAX_CLIP_PLANES);
+  }
+  m_toldLimits = exceeded;
 }
 
 std::vector<std::uint32_t> SoGLRenderer::uploadMaterials(SoDrawList const& list) {
@@ -168,8 +202,10 @@ std::vector<std::uint32_t> SoGLRenderer::uploadMaterials(SoDrawList const& list)
   return rows;
 }
 
-void SoGLRenderer::prepare(SoDrawList const& list) {
+void SoGLRenderer::prepare(SoDrawList const& list, Frame const& frame) {
   m_preparedVersion = list.getVersion();
+  m_preparedSortable = frame.transparency == SORTED_TRIANGLES;
+  checkLimits(list);
   std::vector<std::uint32_t> const rows = uploadMaterials(list);
 
   constexpr SoGLPage::Primitive primitives[] = {SoGLPage::TRIANGLES, SoGLPage::LINES, SoGLPage::POINTS};
@@ -202,6 +238,7 @@ void SoGLRenderer::prepare(SoDrawList const& list) {
   std::stable_sort(m_groups.begin(), m_groups.end(), [](Group const& a, Group const& b) {
     if (a.look.layer != b.look.layer) return a.look.layer < b.look.layer;
     if (a.look.layer != SoDrawLook::OPAQUE) return false;
+    if (a.look.shader != b.look.shader) return a.look.shader < b.look.shader;
     return a.features != b.features ? a.features < b.features : a.look.texture < b.look.texture;
   });
 
@@ -213,7 +250,11 @@ void SoGLRenderer::prepare(SoDrawList const& list) {
   m_textures.beginSweep();
   for (SoDrawTexture const& texture : list.getTextures()) m_textures.keep(texture.element.image);
   m_textures.keep(list.getBackground().image);
+  for (SoDrawShader const& shader : list.getShaders()) {
+    for (SoDrawShader::Uniform const& uniform : shader.uniforms) m_textures.keep(uniform.value.image);
+  }
   m_textures.endSweep();
+  m_shaders.sweep(list);
 }
 
 void SoGLRenderer::addPages(SoDrawList const& list, Group& group, std::vector<int> const& items,
@@ -237,6 +278,11 @@ void SoGLRenderer::addPages(SoDrawList const& list, Group& group, std::vector<in
   plan.style = group.look.style;
   plan.textured = group.features & SoGLProgram::TEXTURE;
   plan.separate = group.look.layer == SoDrawLook::TRANSPARENT;
+  plan.sortable = plan.separate && m_preparedSortable && plan.primitive == SoGLPage::TRIANGLES;
+  plan.solid = group.features & SoGLProgram::SOLID_TEXTURE;
+  plan.fillsTexture = group.look.fillsTexture;
+  plan.placed = group.look.shader >= 0;
+  if (group.look.inputs >= 0) plan.inputs = list.getInputs()[group.look.inputs];
 
   // Places of one mesh that are worth a page of their own.
   std::unordered_map<SoDrawMesh const*, std::vector<int>> places;
@@ -262,8 +308,13 @@ void SoGLRenderer::addPages(SoDrawList const& list, Group& group, std::vector<in
         if (placed->second.front() != i) continue;
         SoGLPage::Plan together = plan;
         together.instanced = true;
-        together.items = placed->second;
-        addPage(together);
+        // The matrices of a page with `placed` have to fit into a texture.
+        size_t const most = plan.placed ? MAX_PAGE_VERTICES : placed->second.size();
+        for (size_t start = 0; start < placed->second.size(); start += most) {
+          auto const first = placed->second.begin() + static_cast<std::ptrdiff_t>(start);
+          together.items.assign(first, first + static_cast<std::ptrdiff_t>(std::min(most, placed->second.size() - start)));
+          addPage(together);
+        }
         continue;
       }
     }
@@ -277,6 +328,7 @@ void SoGLRenderer::addPages(SoDrawList const& list, Group& group, std::vector<in
   }
   if (!plan.items.empty()) addPage(plan);
 
+  if (plan.placed) return;
   if (std::none_of(group.pages.begin(), group.pages.end(), [](SoGLPage* page) { return page->isInstanced(); })) return;
   // Pages of both kinds need two programs.
   Group rest = group;
@@ -304,13 +356,16 @@ unsigned SoGLRenderer::featuresOf(SoDrawList const& list, Group const& group) co
   if (look.texture >= 0) {
     SoDrawTexture const& texture = list.getTextures()[look.texture];
     features |= P::TEXTURE;
+    if (texture.element.image.getDepth() > 0) features |= P::SOLID_TEXTURE;
     if (look.environmentMap) features |= P::ENVIRONMENT_MAP;
     if (texture.alpha == SoDrawTexture::CUT_OUT && texture.element.model != SoTextureImageElement::DECAL &&
         look.layer != SoDrawLook::TRANSPARENT) {
       features |= P::CUT_OUT;
     }
   }
+  if (look.shader >= 0) features |= P::PLACED | P::SPECULAR | P::POSITIONAL;
   if (!surroundings.clipPlanes.empty()) features |= P::CLIP;
+  if (surroundings.clipPlanes.size() > P::MAX_CLIP_DISTANCES) features |= P::MANY_PLANES;
   if (surroundings.environment.fog != SoEnvironmentElement::NONE) features |= P::FOG;
   if (group.primitive == SoGLPage::LINES && (look.lineWidth != 1 || look.linePattern != 0xffff)) {
     features |= P::WIDE_LINES;
@@ -325,6 +380,8 @@ void SoGLRenderer::setView(Frame const& frame) {
   SbMatrix const both = view * projection;
   std::memcpy(block.viewProjection, both.getValue(), sizeof block.viewProjection);
   std::memcpy(block.view, view.getValue(), sizeof block.view);
+  std::memcpy(block.projection, projection.getValue(), sizeof block.projection);
+  std::memcpy(block.inverseView, view.inverse().getValue(), sizeof block.inverseView);
   SbVec2s const origin = frame.region.getViewportOriginPixels(), size = frame.region.getViewportSizePixels();
   store(block.viewport, SbVec3f(origin[0], origin[1], size[0]), size[1]);
   bool const perspective = frame.volume.getProjectionType() == SbViewVolume::PERSPECTIVE;
@@ -358,35 +415,73 @@ void SoGLRenderer::setSurroundings(SoDrawList const& list, Frame const& frame) {
   glBufferData(GL_UNIFORM_BUFFER, static_cast<GLsizeiptr>(bytes.size()), bytes.data(), GL_STREAM_DRAW);
 }
 
-bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group) {
-  unsigned features = group.features;
+/// The group's program, in use; one of the scene's own that can not be used is stood in for. Null: none compiles.
+SoGLProgram const* SoGLRenderer::useProgram(SoDrawList const& list, Group const& group, unsigned more) {
+  static constexpr unsigned modes[] = {GL_TRIANGLES, GL_LINES, GL_POINTS};
+  SoDrawLook const& look = group.look;
+  unsigned features = group.features | more;
   if (features & SoGLProgram::LIT) {
-    size_t const lights = list.getSurroundings()[group.look.surroundings].lights.size() + m_headlight;
+    size_t const lights = list.getSurroundings()[look.surroundings].lights.size() + m_headlight;
     features |= SoGLProgram::withLights(static_cast<int>(std::min<size_t>(lights, SoGLProgram::MAX_LIGHTS)));
   }
+  if (look.shader >= 0) {
+    SoDrawShader const& shader = list.getShaders()[look.shader];
+    auto brings = [&](SoDrawShader::Stage stage) { return !shader.sources[stage].empty(); };
+    unsigned own = features & ~unsigned{SoGLProgram::FULL_ALPHA};
+    // What two stages of the scene's own tell each other does not pass through one of ours between them.
+    if (brings(SoDrawShader::GEOMETRY) || (brings(SoDrawShader::VERTEX) && brings(SoDrawShader::FRAGMENT))) {
+      own &= ~unsigned{SoGLProgram::WIDE_LINES};
+    }
+    static std::vector<SoDrawInput> const none;
+    int const before = m_shaders.getNumCompiled();
+    SoGLProgram const* const program =
+        m_shaders.get(shader, own, look.inputs >= 0 ? list.getInputs()[look.inputs] : none);
+    m_statistics.programsMade += m_shaders.getNumCompiled() - before;
+    if (program && program->getGeometryInput() && program->getGeometryInput() != modes[group.primitive]) {
+      m_shaders.complainAboutGeometry(shader);
+    } else if (program) {
+      glUseProgram(program->getName());
+      m_shaders.setVariables(*program, shader, look.texture >= 0 ? &list.getTextures()[look.texture] : nullptr,
+                             m_textures);
+      return program;
+    }
+  }
   auto const [known, isNew] = m_programs.try_emplace(features);
-  if (isNew) known->second = SoGLProgram::make(features);
-  SoGLProgram const& program = known->second;
-  if (!program.getName()) return false;
+  if (isNew) {
+    ++m_statistics.programsMade;
+    std::string fault;
+    known->second = SoGLProgram::make(features, nullptr, {}, fault);
+  }
+  if (!known->second.getName()) return nullptr;
+  glUseProgram(known->second.getName());
+  return &known->second;
+}
+
+bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group, unsigned more) {
+  SoGLProgram const* const program = useProgram(list, group, more);
+  if (!program) return false;
   SoDrawLook const& look = group.look;
-  glUseProgram(program.getName());
+  auto const& surroundings = list.getSurroundings()[look.surroundings];
   glBindBufferRange(GL_UNIFORM_BUFFER, SoGLProgram::SURROUNDINGS_BLOCK, m_surroundingsBuffer,
                     static_cast<GLintptr>(look.surroundings) * m_surroundingsStride, sizeof(SurroundingsBlock));
   if (group.features & SoGLProgram::TEXTURE) {
     SoTextureImageElement const& texture = list.getTextures()[look.texture].element;
-    if (!m_textures.bind(SoGLProgram::IMAGE_UNIT, texture.image, texture.repeatS, texture.repeatT)) return false;
-    glUniform1i(program.getUniform(SoGLProgram::TEXTURE_MODEL), texture.model);
-    glUniform3fv(program.getUniform(SoGLProgram::BLEND_COLOR), 1, texture.blendColor.getValue());
+    SoGLTextures::Repeat const repeat{texture.repeatS, texture.repeatT, texture.repeatR};
+    if (!m_textures.bind(SoGLProgram::IMAGE_UNIT, texture.image, repeat)) return false;
+    glUniform1i(program->getUniform(SoGLProgram::TEXTURE_MODEL), texture.model);
+    glUniform3fv(program->getUniform(SoGLProgram::BLEND_COLOR), 1, texture.blendColor.getValue());
   }
   if (group.features & SoGLProgram::WIDE_LINES) {
-    glUniform1f(program.getUniform(SoGLProgram::LINE_WIDTH), look.lineWidth);
-    glUniform1i(program.getUniform(SoGLProgram::LINE_PATTERN), static_cast<int>(look.linePattern));
+    glUniform1f(program->getUniform(SoGLProgram::LINE_WIDTH), look.lineWidth);
+    glUniform1i(program->getUniform(SoGLProgram::LINE_PATTERN), static_cast<int>(look.linePattern));
   }
-  glUniform1f(program.getUniform(SoGLProgram::POINT_SIZE), look.pointSize);
+  glUniform1f(program->getUniform(SoGLProgram::POINT_SIZE), look.pointSize);
+  if (group.primitive == SoGLPage::LINES) setPlainLineWidth(program->isOwn() ? look.lineWidth : 1);
   bool const culls = look.culled && group.primitive == SoGLPage::TRIANGLES;
   culls ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
-  bool const clips = group.features & SoGLProgram::CLIP && !(group.features & SoGLProgram::WIDE_LINES);
-  int const distances = clips ? SoGLProgram::MAX_CLIP_PLANES : 0;
+  bool const clips = group.features & SoGLProgram::CLIP && !(group.features & SoGLProgram::WIDE_LINES) && !program->isOwn();
+  int const planes = static_cast<int>(surroundings.clipPlanes.size());
+  int const distances = clips ? std::min(planes, SoGLProgram::MAX_CLIP_DISTANCES) : 0;
   for (int i = m_clipDistances; i < distances; ++i) glEnable(GL_CLIP_DISTANCE0 + static_cast<unsigned>(i));
   for (int i = distances; i < m_clipDistances; ++i) glDisable(GL_CLIP_DISTANCE0 + static_cast<unsigned>(i));
   m_clipDistances = distances;
@@ -399,7 +494,7 @@ void SoGLRenderer::drawRuns(SoGLPage const& page, std::vector<SoGLPage::Range> c
   if (m_drawing) page.draw(runs);
 }
 
-void SoGLRenderer::drawLayer(SoDrawList const& list, SoDrawLook::Layer layer) {
+void SoGLRenderer::drawLayer(SoDrawList const& list, SoDrawLook::Layer layer, unsigned more) {
   for (Group const& group : m_groups) {
     if (group.look.layer != layer) continue;
     bool bound = false;
@@ -418,51 +513,19 @@ void SoGLRenderer::drawLayer(SoDrawList const& list, SoDrawLook::Layer layer) {
         }
       }
       if (m_runs.empty()) continue;
-      if (!bound && !bindGroup(list, group)) break;
+      if (!bound && !bindGroup(list, group, more)) break;
       bound = true;
       drawRuns(*page, m_runs);
     }
   }
 }
 
-void SoGLRenderer::drawInTurn(SoDrawList const& list, Frame const& frame) {
-  SbVec3f const eye = frame.volume.getProjectionPoint(), ahead = frame.volume.getProjectionDirection();
-  m_turns.clear();
-  for (Group const& group : m_groups) {
-    if (group.look.layer != SoDrawLook::TRANSPARENT) continue;
-    for (SoGLPage const* page : group.pages) {
-      for (SoGLPage::Range const& range : page->getRanges()) {
-        if (SbViewVolume::isOutside(m_boundaries, range.bounds)) {
-          ++m_statistics.rangesCulled;
-          continue;
-        }
-        ++m_statistics.rangesSeen;
-        m_turns.push_back({(range.bounds.getCenter() - eye).dot(ahead), &group, page, &range});
-      }
-    }
-  }
-  std::stable_sort(m_turns.begin(), m_turns.end(),
-                   [](Turn const& a, Turn const& b) { return a.distance > b.distance; });
-  Group const* bound = nullptr;
-  bool usable = false;
-  for (size_t i = 0; i < m_turns.size();) {
-    Turn const& turn = m_turns[i];
-    m_runs.clear();
-    for (; i < m_turns.size() && m_turns[i].group == turn.group && m_turns[i].page == turn.page; ++i) {
-      m_runs.push_back(*m_turns[i].range);
-    }
-    if (turn.group != bound) {
-      bound = turn.group;
-      usable = bindGroup(list, *bound);
-    }
-    if (usable) drawRuns(*turn.page, m_runs);
-  }
-}
-
 void SoGLRenderer::release() {
   for (auto& [hash, page] : m_pages) page->release();
   for (auto& [features, program] : m_programs) glDeleteProgram(program.getName());
+  m_shaders.release();
   m_background.release();
+  m_texts.release();
   m_textures.release();
   unsigned const buffers[] = {m_materialBuffer, m_viewBuffer, m_surroundingsBuffer};
   glDeleteBuffers(3, buffers);
@@ -476,7 +539,9 @@ void SoGLRenderer::forget() {
   m_pages.clear();
   m_materialTable.clear();
   m_programs.clear();
+  m_shaders.forget();
   m_textures.forget();
   m_background.forget();
+  m_texts.forget();
   m_materialBuffer = m_materialTexture = m_viewBuffer = m_surroundingsBuffer = 0;
 }

@@ -11,6 +11,8 @@
 #include "kestrava/render/SoGLBackground.h"
 #include "kestrava/render/SoGLPage.h"
 #include "kestrava/render/SoGLProgram.h"
+#include "kestrava/render/SoGLScreenText.h"
+#include "kestrava/render/SoGLShaders.h"
 #include "kestrava/render/SoGLTextures.h"
 
 /// Draws prepared lists with OpenGL 3.3 (core or compatibility profile). Everything it has on the GPU belongs
@@ -20,9 +22,11 @@ class SoGLRenderer {
  public:
   enum Headlight { OFF, WHEN_DARK, ON };  ///< WHEN_DARK: when the scene has no light of its own
   enum Transparency {
-    NONE,    ///< everything is opaque
-    BLEND,   ///< in the order of the graph
-    SORTED,  ///< the farthest shapes first
+    NONE,              ///< everything is opaque
+    BLEND,             ///< in the order of the graph
+    SORTED,            ///< the farthest shapes first, of each its far side first
+    SORTED_TRIANGLES,  ///< the farthest triangles first, of all shapes together
+    SCREEN_DOOR,       ///< a pattern of pixels is left out; in any order
   };
   struct Frame {
     SbViewVolume volume;
@@ -37,6 +41,7 @@ class SoGLRenderer {
     int rangesSeen = 0, rangesCulled = 0;  ///< in the last frame
     int pagesMade = 0;                     ///< since the renderer was made
     int pages = 0;
+    int programsMade = 0;  ///< compiled, since the renderer was made
   };
 
   SoGLRenderer();
@@ -66,21 +71,29 @@ class SoGLRenderer {
   struct Turn {
     float distance;
     Group const* group;
-    SoGLPage const* page;
-    SoGLPage::Range const* range;
+    SoGLPage* page;
+    SoGLPage::Range range;
+    bool isTriangle;  // its range is set when the order is known
   };
   using Pages = std::unordered_map<std::uint64_t, std::unique_ptr<SoGLPage>>;
 
-  void prepare(SoDrawList const& list);
+  void prepare(SoDrawList const& list, Frame const& frame);
+  void checkLimits(SoDrawList const& list);
+  SoGLProgram const* useProgram(SoDrawList const& list, Group const& group, unsigned more);
   std::vector<std::uint32_t> uploadMaterials(SoDrawList const& list);
   void addPages(SoDrawList const& list, Group& group, std::vector<int> const& items,
                 std::vector<std::uint32_t> const& rows, Pages& pages);
   unsigned featuresOf(SoDrawList const& list, Group const& group) const;
   void setView(Frame const& frame);
   void setSurroundings(SoDrawList const& list, Frame const& frame);
-  void drawLayer(SoDrawList const& list, SoDrawLook::Layer layer);
+  void drawTransparent(SoDrawList const& list, Frame const& frame);
+  /// `more`: features beside those of the groups.
+  void drawLayer(SoDrawList const& list, SoDrawLook::Layer layer, unsigned more = 0);
+  void findTurns(Frame const& frame);
+  void orderTriangles();
+  void drawTexts(SoDrawList const& list, Frame const& frame, SoDrawLook::Layer layer);
   void drawInTurn(SoDrawList const& list, Frame const& frame);
-  bool bindGroup(SoDrawList const& list, Group const& group);
+  bool bindGroup(SoDrawList const& list, Group const& group, unsigned more = 0);
   void drawRuns(SoGLPage const& page, std::vector<SoGLPage::Range> const& runs);
 
   std::uint64_t m_preparedVersion = 0;
@@ -88,11 +101,13 @@ class SoGLRenderer {
   Pages m_pages;
   std::vector<float> m_materialTable;
   std::unordered_map<unsigned, SoGLProgram> m_programs;
+  SoGLShaders m_shaders;
   SoGLTextures m_textures;
   unsigned m_materialBuffer = 0, m_materialTexture = 0;
   unsigned m_viewBuffer = 0, m_surroundingsBuffer = 0;
   int m_surroundingsStride = 0;
   SoGLBackground m_background;
+  SoGLScreenText m_texts;
 
   std::array<SbPlane, 6> m_boundaries;
   std::vector<SoGLPage::Range> m_runs;
@@ -100,5 +115,7 @@ class SoGLRenderer {
   int m_clipDistances = 0;
   Statistics m_statistics;
   bool m_headlight = false;
+  bool m_preparedSortable = false;
+  bool m_toldLimits = false;
   bool m_drawing = true;
 };

@@ -7,19 +7,21 @@ namespace {
 constexpr unsigned SWITCHES[] = {
     GL_DEPTH_TEST,     GL_BLEND,          GL_CULL_FACE,      GL_SCISSOR_TEST,   GL_STENCIL_TEST,
     GL_PROGRAM_POINT_SIZE, GL_MULTISAMPLE, GL_FRAMEBUFFER_SRGB, GL_DEPTH_CLAMP,
-    GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE2, GL_CLIP_DISTANCE3, GL_CLIP_DISTANCE4, GL_CLIP_DISTANCE5};
+    GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE2, GL_CLIP_DISTANCE3, GL_CLIP_DISTANCE4, GL_CLIP_DISTANCE5,
+    GL_CLIP_DISTANCE6, GL_CLIP_DISTANCE7};
 
 unsigned asName(int value) { return static_cast<unsigned>(value); }
 
 }  // namespace
 
-SoGLState::SoGLState() {
+SoGLState::SoGLState(int numUnits) : m_units(static_cast<size_t>(numUnits)) {
   static_assert(std::size(SWITCHES) == std::tuple_size_v<decltype(m_switches)>);
   for (size_t i = 0; i < m_switches.size(); ++i) m_switches[i] = {SWITCHES[i], glIsEnabled(SWITCHES[i]) != 0};
   glGetIntegerv(GL_ACTIVE_TEXTURE, &m_activeTexture);
   for (size_t i = 0; i < m_units.size(); ++i) {
     glActiveTexture(GL_TEXTURE0 + static_cast<unsigned>(i));
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &m_units[i].texture);
+    glGetIntegerv(GL_TEXTURE_BINDING_3D, &m_units[i].solidTexture);
     glGetIntegerv(GL_TEXTURE_BINDING_BUFFER, &m_units[i].bufferTexture);
     glGetIntegerv(GL_SAMPLER_BINDING, &m_units[i].sampler);
   }
@@ -57,6 +59,7 @@ SoGLState::~SoGLState() {
     auto const unit = static_cast<unsigned>(i);
     glActiveTexture(GL_TEXTURE0 + unit);
     glBindTexture(GL_TEXTURE_2D, asName(m_units[i].texture));
+    glBindTexture(GL_TEXTURE_3D, asName(m_units[i].solidTexture));
     glBindTexture(GL_TEXTURE_BUFFER, asName(m_units[i].bufferTexture));
     glBindSampler(unit, asName(m_units[i].sampler));
   }

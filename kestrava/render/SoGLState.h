@@ -1,12 +1,14 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 /// Remembers the OpenGL state that the renderer changes and puts it back at the end of its life, so that a
 /// host that draws with the same context finds everything as it was.
 class SoGLState {
  public:
-  SoGLState();
+  /// `numUnits`: texture units that are used.
+  explicit SoGLState(int numUnits);
   ~SoGLState();
   SoGLState(SoGLState const&) = delete;
   SoGLState& operator=(SoGLState const&) = delete;
@@ -17,13 +19,13 @@ class SoGLState {
     bool on;
   };
   struct Unit {
-    int texture, bufferTexture, sampler;
+    int texture, solidTexture, bufferTexture, sampler;
   };
   struct Block {
     int buffer, start, size;
   };
-  std::array<Switch, 15> m_switches;
-  std::array<Unit, 2> m_units;
+  std::array<Switch, 17> m_switches;
+  std::vector<Unit> m_units;
   std::array<Block, 2> m_blocks;
   int m_program, m_vertexArray, m_arrayBuffer, m_uniformBuffer, m_textureBuffer, m_activeTexture, m_alignment;
   int m_viewport[4], m_scissor[4], m_polygonMode[2], m_blend[4], m_blendEquation[2];

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <unordered_map>
 
@@ -8,8 +9,10 @@
 /// The images that a renderer has on the GPU, with mipmaps, one for all users of the same pixels.
 class SoGLTextures {
  public:
-  /// Binds an image to the active unit, uploading it first if need be. 0, nothing bound, when it is too large.
-  bool bind(int unit, SbImage const& image, bool repeatS, bool repeatT);
+  using Repeat = std::array<bool, 3>;  // in s, t, r
+  /// Binds an image to a unit, uploading it first if need be; one with a depth as a texture of three dimensions.
+  /// False, nothing bound, when it is too large.
+  bool bind(int unit, SbImage const& image, Repeat const& repeat);
   /// Between these two every image that bind() or keep() is not called for is given up.
   void beginSweep();
   void keep(SbImage const& image);
@@ -26,5 +29,5 @@ class SoGLTextures {
   unsigned nameOf(SbImage const& image);
 
   std::unordered_map<std::shared_ptr<SbImage::Bytes const>, Entry> m_entries;
-  unsigned m_samplers[4] = {};
+  unsigned m_samplers[8] = {};
 };

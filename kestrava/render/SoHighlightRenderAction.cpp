@@ -2,10 +2,12 @@
 
 #include <epoxy/gl.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <numbers>
 #include <unordered_set>
+#include <utility>
 
 #include "kestrava/actions/SoCallbackAction.h"
 #include "kestrava/actions/SoGetBoundingBoxAction.h"
@@ -20,24 +22,39 @@ namespace {
 // Beyond this the edges would cover the shapes and take seconds to gather.
 constexpr size_t MAX_EDGES = 2'000'000;
 
-// A little towards the eye, so that edges win against the faces they lie on.
+// Everything comes some pixels' size towards the eye, so that edges win against the faces they lie on, also where those
+// are seen from the side. Where it is on the screen stays.
 char const* const VERTEX = R"(#version 330 core
 uniform mat4 viewProjection;
+uniform vec3 towardsEye;
+uniform float perPixel;
+uniform bool perspective;
 uniform vec2 shift;
 uniform float nearer;
 in vec3 position;
 void main() {
   gl_Position = viewProjection * vec4(position, 1.0);
+  float distance = perspective ? gl_Position.w : 1.0;
+  float step = nearer * perPixel * distance;
+  if (perspective) step = min(step, 0.5 * distance);
+  vec4 moved = viewProjection * vec4(position + towardsEye * step, 1.0);
+  float depth = moved.z / moved.w * gl_Position.w;
+  // What is seen stays in front of the near plane.
+  if (gl_Position.w > 0.0) gl_Position.z = gl_Position.z < -gl_Position.w ? gl_Position.z : max(depth, -gl_Position.w);
   gl_Position.xy += shift * gl_Position.w;
-  gl_Position.z -= nearer * gl_Position.w;
 }
 )";
 
 char const* const FRAGMENT = R"(#version 330 core
-uniform vec3 color;
+uniform vec4 color;
 out vec4 result;
-void main() { result = vec4(color, 1.0); }
+void main() { result = color; }
 )";
+
+// In pixels' sizes.
+constexpr float IN_FRONT = 2, BEHIND = -12;
+// Under the mark, for scenes that have its colour.
+SbColor const DARK(0.06f, 0.05f, 0.04f);
 
 struct Edge {
   SbVec3f a, b;
@@ -146,20 +163,26 @@ void SoHighlightRenderAction::update(SoNode* root) {
 
 void SoHighlightRenderAction::visit(SoNode* root) {
   SoGLRenderAction::visit(root);
-  if (!m_visible) return;
-  update(root);
-  if (m_mark.lines.empty() && m_mark.triangles.empty()) return;
+  mark(root, getViewVolume());
+}
 
-  SoGLState const hostState;
-  if (!m_program) {
-    m_program = SoGLProgram::build("highlight", VERTEX, "", FRAGMENT);
-    glGenVertexArrays(1, &m_vertexArray);
-    glGenBuffers(1, &m_buffer);
+void SoHighlightRenderAction::markOver(SoNode* root, SoGLRenderAction const& frame) {
+  setViewportRegion(frame.getViewportRegion());
+  mark(root, frame.getViewVolume());
+}
+
+/// False when there is no program; otherwise everything that was gathered stands ready to be drawn.
+bool SoHighlightRenderAction::bindObjects() {
+  if (!m_objects.program) {
+    m_objects.program = SoGLProgram::build("highlight", VERTEX, FRAGMENT);
+    if (!m_objects.program) return false;
+    glGenVertexArrays(1, &m_objects.vertexArray);
+    glGenBuffers(1, &m_objects.buffer);
     m_uploaded = false;
   }
-  if (!m_program) return;
-  glBindVertexArray(m_vertexArray);
-  glBindBuffer(GL_ARRAY_BUFFER, m_buffer);
+  glUseProgram(m_objects.program);
+  glBindVertexArray(m_objects.vertexArray);
+  glBindBuffer(GL_ARRAY_BUFFER, m_objects.buffer);
   if (!m_uploaded) {
     size_t const lines = m_mark.lines.size() * sizeof(SbVec3f), triangles = m_mark.triangles.size() * sizeof(SbVec3f);
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(lines + triangles), nullptr, GL_STATIC_DRAW);
@@ -168,29 +191,58 @@ void SoHighlightRenderAction::visit(SoNode* root) {
                     m_mark.triangles.data());
     m_uploaded = true;
   }
-  auto const position = static_cast<unsigned>(glGetAttribLocation(m_program, "position"));
+  auto const position = static_cast<unsigned>(glGetAttribLocation(m_objects.program, "position"));
   glEnableVertexAttribArray(position);
   glVertexAttribPointer(position, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-  glUseProgram(m_program);
+  return true;
+}
+
+void SoHighlightRenderAction::mark(SoNode* root, SbViewVolume const& volume) {
+  if (!m_visible) return;
+  update(root);
+  if (m_mark.lines.empty() && m_mark.triangles.empty()) return;
+
+  SoGLState const hostState(0);
+  if (!bindObjects()) return;
   SbMatrix view, projection;
-  getViewVolume().getMatrices(view, projection);
+  volume.getMatrices(view, projection);
   SbMatrix const both = view * projection;
-  glUniformMatrix4fv(glGetUniformLocation(m_program, "viewProjection"), 1, GL_FALSE, both.getValue());
-  glUniform3fv(glGetUniformLocation(m_program, "color"), 1, m_color.getValue());
-  glUniform1f(glGetUniformLocation(m_program, "nearer"), 2e-4f);
-  m_shift = glGetUniformLocation(m_program, "shift");
+  glUniformMatrix4fv(glGetUniformLocation(m_objects.program, "viewProjection"), 1, GL_FALSE, both.getValue());
+  bool const perspective = volume.getProjectionType() == SbViewVolume::PERSPECTIVE;
+  auto const uniform = [this](char const* name) { return glGetUniformLocation(m_objects.program, name); };
+  float const rows = std::max<short>(getViewportRegion().getViewportSizePixels()[1], 1);
+  glUniform3fv(uniform("towardsEye"), 1, (volume.getProjectionDirection() * -1).getValue());
+  glUniform1f(uniform("perPixel"), volume.getHeight() / rows / (perspective ? volume.getNearDist() : 1));
+  glUniform1i(uniform("perspective"), perspective);
+  setPaint(m_color);
+  setNearer(IN_FRONT);
+  m_shift = glGetUniformLocation(m_objects.program, "shift");
   setShift(0, 0);
 
   SbVec2s const origin = getViewportRegion().getViewportOriginPixels(), size = getViewportRegion().getViewportSizePixels();
   glViewport(origin[0], origin[1], size[0], size[1]);
+  glScissor(origin[0], origin[1], size[0], size[1]);
+  glEnable(GL_SCISSOR_TEST);
   glDisable(GL_CULL_FACE);
   glDisable(GL_BLEND);
   glDisable(GL_STENCIL_TEST);
+  glDisable(GL_FRAMEBUFFER_SRGB);
+  for (unsigned i = 0; i < 8; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
+  glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
   glDepthMask(GL_FALSE);
   glLineWidth(1);
   drawMark();
+}
+
+void SoHighlightRenderAction::setNearer(float pixels) {
+  glUniform1f(glGetUniformLocation(m_objects.program, "nearer"), pixels);
+}
+
+void SoHighlightRenderAction::setPaint(SbColor const& color, float alpha) {
+  glUniform4f(glGetUniformLocation(m_objects.program, "color"), color[0], color[1], color[2], alpha);
 }
 
 // Pixels into clip coordinates.
@@ -201,13 +253,13 @@ void SoHighlightRenderAction::setShift(float x, float y) {
 }
 
 // Lines wider than a pixel are no part of the core profile: they are drawn side by side.
-void SoHighlightRenderAction::drawLines(float width) {
+void SoHighlightRenderAction::drawLines(float width, float x, float y) {
   int const steps = std::max(1, static_cast<int>(std::lround(width)));
   for (int i = 0; i < steps; ++i) {
     float const offset = static_cast<float>(i) - static_cast<float>(steps - 1) / 2;
     for (bool const upwards : {false, true}) {
       if (upwards && offset == 0) continue;
-      setShift(upwards ? 0 : offset, upwards ? offset : 0);
+      setShift(x + (upwards ? 0 : offset), y + (upwards ? offset : 0));
       glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(m_mark.lines.size()));
     }
   }
@@ -230,14 +282,30 @@ void SoHighlightRenderAction::drawTrianglesAround(float pixels) {
 
 void SoHighlightRenderAction::releaseGL() {
   SoGLRenderAction::releaseGL();
-  if (!m_program) return;
-  glDeleteProgram(m_program);
-  glDeleteVertexArrays(1, &m_vertexArray);
-  glDeleteBuffers(1, &m_buffer);
-  m_program = m_vertexArray = m_buffer = 0;
+  takeObjects().release();
 }
 
-void SoLineHighlightRenderAction::drawMark() { drawLines(getLineWidth()); }
+SoHighlightRenderAction::Objects SoHighlightRenderAction::takeObjects() { return std::exchange(m_objects, {}); }
+
+void SoHighlightRenderAction::Objects::release() {
+  if (!program) return;
+  glDeleteProgram(program);
+  glDeleteVertexArrays(1, &vertexArray);
+  glDeleteBuffers(1, &buffer);
+  *this = Objects();
+}
+
+// The shadow lets something of the shape show between edges that lie close together.
+void SoLineHighlightRenderAction::drawMark() {
+  glEnable(GL_BLEND);
+  glBlendEquation(GL_FUNC_ADD);
+  glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ZERO, GL_ONE);
+  setPaint(DARK, 0.5f);
+  drawLines(getLineWidth(), 1, -1);
+  glDisable(GL_BLEND);
+  setPaint(getColor());
+  drawLines(getLineWidth());
+}
 
 void SoBoxHighlightRenderAction::gather(SoPath& path, Mark& mark) {
   SoGetBoundingBoxAction action(getViewportRegion());
@@ -255,11 +323,69 @@ void SoBoxHighlightRenderAction::gather(SoPath& path, Mark& mark) {
   }
 }
 
-void SoBoxHighlightRenderAction::drawMark() { drawLines(getLineWidth()); }
+void SoBoxHighlightRenderAction::drawMark() {
+  setPaint(DARK);
+  drawLines(getLineWidth() + 2);
+  setPaint(getColor());
+  drawLines(getLineWidth());
+}
+
+namespace {
+
+/// The part of OpenGL's state that only a halo changes.
+class StencilState {
+ public:
+  StencilState() {
+    glGetIntegerv(GL_STENCIL_CLEAR_VALUE, &m_clearValue);
+    for (int side : {0, 1}) {
+      for (size_t i = 0; i < NAMES[side].size(); ++i) glGetIntegerv(NAMES[side][i], &m_values[side][i]);
+    }
+  }
+  ~StencilState() {
+    glClearStencil(m_clearValue);
+    for (int side : {0, 1}) {
+      unsigned const face = side == 0 ? GL_FRONT : GL_BACK;
+      auto const value = [this, side](size_t i) { return static_cast<unsigned>(m_values[side][i]); };
+      glStencilFuncSeparate(face, value(0), m_values[side][1], value(2));
+      glStencilMaskSeparate(face, value(3));
+      glStencilOpSeparate(face, value(4), value(5), value(6));
+    }
+  }
+  StencilState(StencilState const&) = delete;
+  StencilState& operator=(StencilState const&) = delete;
+
+ private:
+  static constexpr std::array<std::array<unsigned, 7>, 2> NAMES{
+      {{GL_STENCIL_FUNC, GL_STENCIL_REF, GL_STENCIL_VALUE_MASK, GL_STENCIL_WRITEMASK, GL_STENCIL_FAIL,
+        GL_STENCIL_PASS_DEPTH_FAIL, GL_STENCIL_PASS_DEPTH_PASS},
+       {GL_STENCIL_BACK_FUNC, GL_STENCIL_BACK_REF, GL_STENCIL_BACK_VALUE_MASK, GL_STENCIL_BACK_WRITEMASK,
+        GL_STENCIL_BACK_FAIL, GL_STENCIL_BACK_PASS_DEPTH_FAIL, GL_STENCIL_BACK_PASS_DEPTH_PASS}}};
+  std::array<std::array<int, 7>, 2> m_values{};
+  int m_clearValue = 0;
+};
+
+bool hasStencilBuffer() {
+  int framebuffer = 0, type = GL_NONE, bits = 0;
+  glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
+  unsigned const buffer = framebuffer ? GL_STENCIL_ATTACHMENT : GL_STENCIL;
+  glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, buffer, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE, &type);
+  if (type == GL_NONE) return false;
+  glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, buffer, GL_FRAMEBUFFER_ATTACHMENT_STENCIL_SIZE, &bits);
+  return bits > 0;
+}
+
+}  // namespace
 
 // The shape's own pixels are marked in the stencil buffer; then it is drawn a few pixels off in every direction
 // wherever there is no mark.
 void SoHaloHighlightRenderAction::drawMark() {
+  if (!hasStencilBuffer()) {
+    // A host's window without one: the rim is pushed behind the shape, and can not show through what hides it.
+    setNearer(BEHIND);
+    drawRim();
+    return;
+  }
+  StencilState const hostState;
   if (m_alwaysVisible) glDisable(GL_DEPTH_TEST);
   glEnable(GL_STENCIL_TEST);
   glStencilMask(0xff);
@@ -272,6 +398,12 @@ void SoHaloHighlightRenderAction::drawMark() {
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glStencilFunc(GL_EQUAL, 0, 0xff);
   glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
+  drawRim();
+}
+
+void SoHaloHighlightRenderAction::drawRim() {
+  setPaint(DARK);
+  drawTrianglesAround(getLineWidth() + 1);
+  setPaint(getColor());
   drawTrianglesAround(getLineWidth());
-  glStencilFunc(GL_ALWAYS, 0, 0xff);
 }

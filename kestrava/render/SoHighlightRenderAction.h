@@ -6,8 +6,9 @@
 #include "kestrava/base/SbColor.h"
 #include "kestrava/render/SoGLRenderAction.h"
 
-/// Draws a scene and then marks what is selected in the selection nodes of the graph. What is drawn for the mark is
-/// gathered again only when the graph or the selection has changed.
+/// Draws a scene and then marks what is selected in the selection nodes of the graph, or draws the mark alone over what
+/// another action has drawn. What is drawn for the mark is gathered again only when the graph or the selection has
+/// changed.
 class SoHighlightRenderAction : public SoGLRenderAction {
   SO_ACTION(SoHighlightRenderAction, SoGLRenderAction)
  public:
@@ -23,6 +24,19 @@ class SoHighlightRenderAction : public SoGLRenderAction {
   float getLineWidth() const { return m_lineWidth; }
   void releaseGL() override;
 
+  /// Marks what is selected in the graph below `root` over the frame that `frame` has just drawn, in its view and with
+  /// its context current. The coordinates of `root` are those of that frame's scene. OpenGL's state stays as it was.
+  void markOver(SoNode* root, SoGLRenderAction const& frame);
+
+  /// What the mark has on the GPU.
+  struct Objects {
+    unsigned program = 0, vertexArray = 0, buffer = 0;
+    /// With their context current.
+    void release();
+  };
+  /// Gives them away, for a mark that ends while the context is not current.
+  Objects takeObjects();
+
  protected:
   /// What the mark is made of, in world coordinates.
   struct Mark {
@@ -36,16 +50,23 @@ class SoHighlightRenderAction : public SoGLRenderAction {
   virtual void gather(SoPath& path, Mark& mark) = 0;
   /// With program, buffer, colour and viewport set.
   virtual void drawMark() = 0;
-  /// Draws the gathered lines or triangles once, or several times around their place to make them wide.
-  void drawLines(float width);
+  /// Draws the gathered lines or triangles once, or several times around their place to make them wide. `x` and `y`
+  /// shift them by pixels.
+  void drawLines(float width, float x = 0, float y = 0);
   void drawTriangles();
   void drawTrianglesAround(float pixels);
+  /// How far what is drawn comes towards the eye, in sizes of a pixel where it is.
+  void setNearer(float pixels);
+  /// What is drawn next has that colour; the mark's own unless set.
+  void setPaint(SbColor const& color, float alpha = 1);
   /// All triangles, and what is a line anyway, of a path; `asEdges` turns triangles into their edges.
   void gatherPrimitives(SoPath& path, Mark& mark, bool asEdges);
 
  private:
   void update(SoNode* root);
   void findSelections(SoNode* root);
+  void mark(SoNode* root, SbViewVolume const& volume);
+  bool bindObjects();
   void setShift(float x, float y);
 
   using Step = std::pair<SoNode*, int>;
@@ -59,7 +80,7 @@ class SoHighlightRenderAction : public SoGLRenderAction {
   bool m_visible = true;
   SbColor m_color{1, 0.55f, 0};
   float m_lineWidth = 2;
-  unsigned m_program = 0, m_vertexArray = 0, m_buffer = 0;
+  Objects m_objects;
   int m_shift = -1;
 };
 
@@ -106,5 +127,6 @@ class SoHaloHighlightRenderAction : public SoHighlightRenderAction {
   void drawMark() override;
 
  private:
+  void drawRim();
   bool m_alwaysVisible = false;
 };

@@ -16,9 +16,10 @@ struct SoMesh {
   std::vector<std::uint32_t> triangles; // three vertex indices a triangle, front side counterclockwise
   std::vector<std::uint32_t> lines;     // two a segment
   std::vector<std::uint32_t> points;
-  std::vector<std::int32_t> faces; // for each triangle, the face (or part) of the shape it belongs to
-  std::vector<std::int32_t>
-      coordIndices; // for each vertex, its index among the shape's coordinates; may be empty
+  std::vector<std::int32_t> faces;       // for each triangle, the face (or part) of the shape it belongs to
+  std::vector<std::int32_t> parts;       // for each triangle, its strip or row; empty where faces are parts
+  std::vector<std::int32_t> lineNumbers; // for each segment, the line of the shape it belongs to; empty: 0 for all
+  std::vector<std::int32_t> coordIndices; // for each vertex, its index among the shape's coordinates; may be empty
 
   int getNumTriangles() const { return static_cast<int>(triangles.size() / 3); }
   int getNumLines() const { return static_cast<int>(lines.size() / 2); }

@@ -136,14 +136,16 @@ SoCorner SoMeshBuilder::corner(int coord, SoCornerPlace const& place) const {
   return corner;
 }
 
-void SoMeshBuilder::addFace(std::span<SoCorner const> corners, int face) {
+void SoMeshBuilder::addFace(std::span<SoCorner const> corners, int face, int part) {
   if (corners.size() < 3) return;
   m_faceStarts.push_back(static_cast<int>(m_corners.size()));
   m_faceNumbers.push_back(face);
+  if (part >= 0) m_partNumbers.push_back(part);
   m_corners.insert(m_corners.end(), corners.begin(), corners.end());
 }
 
-void SoMeshBuilder::addSegment(SoCorner const& from, SoCorner const& to) {
+void SoMeshBuilder::addSegment(SoCorner const& from, SoCorner const& to, int line) {
+  m_mesh.lineNumbers.push_back(line);
   m_loose.insert(m_loose.end(), {from, to});
   m_looseIsPoint.push_back(false);
 }
@@ -314,6 +316,7 @@ void SoMeshBuilder::writeFaces() {
                           c = vertex(m_corners[start + split[k + 2]]);
       m_mesh.triangles.insert(m_mesh.triangles.end(), {a, turned ? c : b, turned ? b : c});
       m_mesh.faces.push_back(m_faceNumbers[f]);
+      if (!m_partNumbers.empty()) m_mesh.parts.push_back(m_partNumbers[f]);
     }
   }
 }

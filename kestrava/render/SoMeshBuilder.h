@@ -20,6 +20,10 @@ std::uint64_t SoMixKey(std::uint64_t key, std::uint64_t number);
 SbVec3f SoProjectTexture(SoTextureCoordinateElement const& element, SbBox3f const& bounds,
                          SbVec3f const& point);
 
+/// Appends a box with the texture coordinates that the state asks for; its parts are its sides. `bindsParts` false:
+/// all of it has the first material.
+void SoBuildBox(SbBox3f const& bounds, SoState const& state, SoMesh& mesh, bool bindsParts);
+
 /// Opens a scope of the state with what a shape brings along for itself.
 class SoOwnStateScope {
  public:
@@ -64,8 +68,9 @@ class SoMeshBuilder {
   /// A corner of the coordinate with everything else as the bindings say.
   SoCorner corner(int coord, SoCornerPlace const& place) const;
 
-  void addFace(std::span<SoCorner const> corners, int face);
-  void addSegment(SoCorner const& from, SoCorner const& to);
+  /// `part` -1: the face is one.
+  void addFace(std::span<SoCorner const> corners, int face, int part = -1);
+  void addSegment(SoCorner const& from, SoCorner const& to, int line);
   void addPoint(SoCorner const& at);
   void finish();
 
@@ -92,7 +97,7 @@ class SoMeshBuilder {
 
   std::vector<SoCorner> m_corners; // of all faces
   std::vector<int> m_faceStarts;
-  std::vector<int> m_faceNumbers;
+  std::vector<int> m_faceNumbers, m_partNumbers;
   std::vector<SoCorner> m_loose; // of segments and points
   std::vector<bool> m_looseIsPoint;
   void numberCoords();

@@ -81,6 +81,34 @@ bool SoOffscreenRenderArea::makeFramebuffers() {
   return true;
 }
 
+namespace {
+
+/// Drawn pixels are colours multiplied by alpha, above a ground that is so transparent. Images hold plain colours;
+/// where there is no alpha the ground is opaque.
+void finishPixels(SbImage::Bytes& bytes, SoOffscreenRenderArea::OutputFormat format, SbColorRGBA const& ground) {
+  if (format == SoOffscreenRenderArea::RGBA) {
+    if (ground[3] >= 1) return;
+    for (size_t i = 0; i + 3 < bytes.size(); i += 4) {
+      int const alpha = bytes[i + 3];
+      if (alpha == 0 || alpha == 255) continue;
+      for (size_t k = i; k < i + 3; ++k) {
+        bytes[k] = static_cast<unsigned char>(std::min(255, (bytes[k] * 255 + alpha / 2) / alpha));
+      }
+    }
+    return;
+  }
+  size_t target = 0;
+  for (size_t i = 0; i + 3 < bytes.size(); i += 4) {
+    float const missing = 255.0f - bytes[i + 3];
+    for (int k = 0; k < 3; ++k) {
+      bytes[target++] = static_cast<unsigned char>(std::min(255.0f, bytes[i + k] + missing * ground[k] + 0.5f));
+    }
+  }
+  bytes.resize(target);
+}
+
+}  // namespace
+
 bool SoOffscreenRenderArea::draw(OutputFormat format, SbImage::Bytes& bytes) {
   if (m_size[0] <= 0 || m_size[1] <= 0) {
     SoDebugError::post("SoOffscreenRenderArea", "a size of %d x %d pixels is none", m_size[0], m_size[1]);
@@ -109,8 +137,12 @@ bool SoOffscreenRenderArea::draw(OutputFormat format, SbImage::Bytes& bytes) {
   glBlitFramebuffer(0, 0, m_size[0], m_size[1], 0, 0, m_size[0], m_size[1], GL_COLOR_BUFFER_BIT, GL_NEAREST);
   glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffers[1]);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  bytes.resize(static_cast<size_t>(m_size[0]) * m_size[1] * (format == RGB ? 3 : 4));
-  glReadPixels(0, 0, m_size[0], m_size[1], format == RGB ? GL_RGB : GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+  SbColorRGBA const& ground = m_manager ? m_manager->getBackgroundColorRGBA() : m_action.getBackgroundColor();
+  bool const mixes = format == RGB && ground[3] < 1;
+  bool const hasAlpha = format == RGBA || mixes;
+  bytes.resize(static_cast<size_t>(m_size[0]) * m_size[1] * (hasAlpha ? 4 : 3));
+  glReadPixels(0, 0, m_size[0], m_size[1], hasAlpha ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, bytes.data());
+  if (hasAlpha) finishPixels(bytes, format, ground);
   return true;
 }
 

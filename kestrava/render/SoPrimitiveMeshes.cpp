@@ -9,6 +9,7 @@
 #include "kestrava/nodes/SoCylinder.h"
 #include "kestrava/nodes/SoSphere.h"
 #include "kestrava/render/SoMeshBuilder.h"
+#include "kestrava/render/SoTessellation.h"
 
 namespace {
 
@@ -22,18 +23,16 @@ SbBox3f boxAround(float x, float y, float z) {
   return SbBox3f(SbVec3f(-x, -y, -z), SbVec3f(x, y, z));
 }
 
-/// Slices of a full turn.
-int slicesFor(SoState const& state) {
-  float const value = state.get<SoComplexityElement>().value;
-  return 8 + static_cast<int>(std::lround(48 * std::clamp(value, 0.0f, 1.0f)));
+std::uint64_t roundKey(SoShape const& shape, std::uint64_t key, SoState const& state) {
+  return SoMixKey(key, static_cast<std::uint64_t>(SoTessellation::getSlices(state, shape.getBounds(state))));
 }
 
 class PrimitiveBuilder {
  public:
-  PrimitiveBuilder(SoState const& state, SbBox3f const& bounds, SoMesh& mesh)
+  PrimitiveBuilder(SoState const& state, SbBox3f const& bounds, SoMesh& mesh, bool bindsParts = true)
       : m_texCoords(state.get<SoTextureCoordinateElement>()), m_bounds(bounds), m_mesh(mesh) {
     SoBinding const binding = state.get<SoMaterialBindingElement>().value;
-    m_perPart = binding == SoBinding::PER_PART || binding == SoBinding::PER_PART_INDEXED;
+    m_perPart = bindsParts && (binding == SoBinding::PER_PART || binding == SoBinding::PER_PART_INDEXED);
     m_textured = state.get<SoTextureImageElement>().id != 0 &&
                  m_texCoords.source != SoTextureCoordinateElement::ENVIRONMENT;
   }
@@ -111,8 +110,11 @@ SbBox3f SoCube::getBounds(SoState const&) const {
 }
 
 void SoCube::buildMesh(SoState const& state, SoMesh& mesh) const {
-  SbBox3f const bounds = getBounds(state);
-  PrimitiveBuilder builder(state, bounds, mesh);
+  SoBuildBox(getBounds(state), state, mesh, true);
+}
+
+void SoBuildBox(SbBox3f const& bounds, SoState const& state, SoMesh& mesh, bool bindsParts) {
+  PrimitiveBuilder builder(state, bounds, mesh, bindsParts);
   // Normal, direction of s, direction of t.
   static SbVec3f const sides[6][3] = {{SbVec3f(0, 0, 1), SbVec3f(1, 0, 0), SbVec3f(0, 1, 0)},
                                       {SbVec3f(0, 0, -1), SbVec3f(-1, 0, 0), SbVec3f(0, 1, 0)},
@@ -120,7 +122,7 @@ void SoCube::buildMesh(SoState const& state, SoMesh& mesh) const {
                                       {SbVec3f(1, 0, 0), SbVec3f(0, 0, -1), SbVec3f(0, 1, 0)},
                                       {SbVec3f(0, 1, 0), SbVec3f(1, 0, 0), SbVec3f(0, 0, -1)},
                                       {SbVec3f(0, -1, 0), SbVec3f(1, 0, 0), SbVec3f(0, 0, 1)}};
-  SbVec3f const half = bounds.getMax();
+  SbVec3f const half = bounds.getSize() * 0.5f, center = bounds.getCenter();
   for (int side = 0; side < 6; ++side) {
     builder.startPart(side);
     auto const& [normal, s, t] = sides[side];
@@ -128,7 +130,7 @@ void SoCube::buildMesh(SoState const& state, SoMesh& mesh) const {
     for (int i = 0; i < 4; ++i) {
       float const u = i == 1 || i == 2 ? 1 : 0, v = i >= 2 ? 1 : 0;
       SbVec3f point = normal + s * (2 * u - 1) + t * (2 * v - 1);
-      for (int k = 0; k < 3; ++k) point[k] *= half[k];
+      for (int k = 0; k < 3; ++k) point[k] = center[k] + point[k] * half[k];
       corners[i] = builder.vertex(point, normal, u, v);
     }
     builder.quad(corners[0], corners[1], corners[2], corners[3]);
@@ -145,7 +147,7 @@ void SoSphere::buildMesh(SoState const& state, SoMesh& mesh) const {
   PrimitiveBuilder builder(state, bounds, mesh);
   float const r = bounds.getMax()[0];
   // Multiples of 4 and 2: the mesh then reaches the bounds along every axis.
-  int const slices = (slicesFor(state) + 3) / 4 * 4, stacks = slices / 2;
+  int const slices = SoTessellation::getSlices(state, bounds), stacks = slices / 2;
   for (int row = 0; row <= stacks; ++row) {
     float const down = std::numbers::pi_v<float> * static_cast<float>(row) / static_cast<float>(stacks);
     bool const isPole = row == 0 || row == stacks;
@@ -179,7 +181,7 @@ void SoCone::buildMesh(SoState const& state, SoMesh& mesh) const {
   PrimitiveBuilder builder(state, bounds, mesh);
   int const shown = parts.isIgnored() ? static_cast<int>(ALL) : parts.getValue();
   float const r = bounds.getMax()[0], half = -bounds.getMin()[1];
-  int const slices = (slicesFor(state) + 3) / 4 * 4;
+  int const slices = SoTessellation::getSlices(state, bounds);
   if (shown & SIDES) builder.wall(r, 0, 2 * half, slices);
   builder.startPart(1);
   if (shown & BOTTOM) builder.disc(r, -half, false, slices);
@@ -199,11 +201,22 @@ SbBox3f SoCylinder::getBounds(SoState const&) const {
 void SoCylinder::buildMesh(SoState const& state, SoMesh& mesh) const {
   int const shown = parts.isIgnored() ? static_cast<int>(ALL) : parts.getValue();
   float const r = std::abs(valueOf(radius, 1)), half = std::abs(valueOf(height, 2) / 2);
-  PrimitiveBuilder builder(state, getBounds(state), mesh);
-  int const slices = (slicesFor(state) + 3) / 4 * 4;
+  SbBox3f const bounds = getBounds(state);
+  PrimitiveBuilder builder(state, bounds, mesh);
+  int const slices = SoTessellation::getSlices(state, bounds);
   if (shown & SIDES) builder.wall(r, r, 2 * half, slices);
   builder.startPart(1);
   if (shown & TOP) builder.disc(r, half, true, slices);
   builder.startPart(2);
   if (shown & BOTTOM) builder.disc(r, -half, false, slices);
+}
+
+std::uint64_t SoSphere::getMeshKey(SoState const& state) const {
+  return roundKey(*this, SoShape::getMeshKey(state), state);
+}
+std::uint64_t SoCone::getMeshKey(SoState const& state) const {
+  return roundKey(*this, SoShape::getMeshKey(state), state);
+}
+std::uint64_t SoCylinder::getMeshKey(SoState const& state) const {
+  return roundKey(*this, SoShape::getMeshKey(state), state);
 }

@@ -1,9 +1,36 @@
 #include "kestrava/render/SoSceneManager.h"
 
+#include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/nodes/SoCamera.h"
 #include "kestrava/nodes/SoGroup.h"
 
 SoAuditorList const& SoSceneManagerImpl::getAuditors() const { return m_manager.getAuditors(); }
+
+void SoSceneManagerImpl::setOwnVantle(int mark) {
+  if (m_ownVantle == mark) return;
+  m_ownVantle = mark;
+  if (m_highlight) m_manager.scheduleRedraw();
+}
+
+void SoSceneManagerImpl::setHighlight(SoHighlightRenderAction* action, SoGroup* selectionAbove) {
+  if (m_highlight && m_highlight != action) m_abandoned.push_back(m_highlight->takeObjects());
+  m_highlight = action;
+  m_marked = SoRef<SoGroup>(action ? selectionAbove : nullptr);
+  m_manager.scheduleRedraw();
+}
+
+void SoSceneManagerImpl::frameDrawn(SoGLRenderAction const& frame) {
+  for (auto& objects : m_abandoned) objects.release();
+  m_abandoned.clear();
+  if (m_ownVantle == 0 || !m_highlight || m_highlight == &frame || !m_marked) return;
+  if (m_marked->findChild(m_manager.getSceneGraph()) >= 0) m_highlight->markOver(m_marked, frame);
+}
+
+void SoSceneManagerImpl::releaseGL() {
+  for (auto& objects : m_abandoned) objects.release();
+  m_abandoned.clear();
+  if (m_highlight) m_highlight->takeObjects().release();
+}
 
 SoSceneManager::SoSceneManager()
     : m_impl(new SoSceneManagerImpl(*this)),
@@ -21,6 +48,8 @@ SoSceneManager::SoSceneManager()
 SoSceneManager::~SoSceneManager() = default;
 
 void SoSceneManager::setSceneGraph(SoNode* root) {
+  SoRef<SoNode> const next(root);  // a grabber may drop it
+  if (root != m_root) releaseGrab();
   m_rootSensor.attach(root);
   m_root = SoRef<SoNode>(root);
   scheduleRedraw();
@@ -71,9 +100,40 @@ void SoSceneManager::render(bool clears) {
   SoRef<SoNode> root = m_root;
   if (!root) root = SoRef<SoNode>(new SoGroup);
   m_action->apply(root);
+  m_impl->frameDrawn(*m_action);
+}
+
+bool SoSceneManager::processEvent(SoEvent const& event) {
+  if (m_offersEvent || !m_root) return false;
+  SoRef<SoSceneManager> const self(this);
+  m_offersEvent = true;
+  m_pointer = event.position;
+  m_eventAction.setViewportRegion(m_region);
+  m_eventAction.setCamera(m_camera ? m_camera.get() : m_action->getFrontCamera());
+  m_eventAction.setEvent(&event);
+  m_eventAction.apply(m_root.get());
+  m_eventAction.setEvent(nullptr);
+  m_offersEvent = false;
+  // What a click selects changes no node; highlights are drawn anew all the same.
+  if (event.isOfType(SoButtonEvent::getClassTypeId())) scheduleRedraw();
+  return m_eventAction.isHandled();
+}
+
+void SoSceneManager::releaseGrab() {
+  SoRef<SoSceneManager> const self(this);
+  if (getGrabber()) {
+    SoMouseButtonEvent release;
+    release.button = SoMouseButtonEvent::LEFT;
+    release.state = SoButtonEvent::UP;
+    release.position = m_pointer;
+    release.time = SbTime::now();
+    processEvent(release);
+  }
+  m_eventAction.releaseGrabber(getGrabber());
 }
 
 void SoSceneManager::releaseGL() {
+  m_impl->releaseGL();
   m_ownAction->releaseGL();
   if (m_action != m_ownAction.get()) m_action->releaseGL();
 }

@@ -1,68 +1,17 @@
 #include "kestrava/render/SoTextOutline.h"
 
 #include <GL/glu.h>
-#include <fontconfig/fontconfig.h>
-#include <ft2build.h>
 
 #include <deque>
 #include <map>
-#include <mutex>
 #include <tuple>
 
-#include "kestrava/base/SbFileHelper.h"
-#include FT_FREETYPE_H
+#include "kestrava/render/SoFontFaces.h"
 #include FT_OUTLINE_H
 
 namespace {
 
-struct Fonts {
-  std::mutex mutex;
-  FT_Library library = nullptr;
-  std::map<SbString, FT_Face> byFile;
-  std::map<std::string, FT_Face> byName;
-  std::map<std::tuple<FT_Face, char32_t, int>, std::shared_ptr<SoGlyph const>> glyphs;
-};
-
-Fonts& fonts() {
-  static Fonts& instance = *new Fonts;
-  return instance;
-}
-
-SbString fileOf(std::string const& name) {
-  if (SbFileHelper::isReadable(name)) return SbString(name);
-  std::string const wanted = name == "defaultFont" || name.empty() ? "DejaVu Sans" : name;
-  SbString file;
-  // A configuration of our own: fonts are looked up once a name, and nothing is left behind.
-  FcConfig* const config = FcInitLoadConfigAndFonts();
-  FcPattern* const pattern = FcNameParse(reinterpret_cast<FcChar8 const*>(wanted.c_str()));
-  if (!config || !pattern) return file; // out of memory
-  FcPatternAddBool(pattern, FC_SCALABLE, FcTrue);
-  FcConfigSubstitute(config, pattern, FcMatchPattern);
-  FcDefaultSubstitute(pattern);
-  FcResult result;
-  if (FcPattern* match = FcFontMatch(config, pattern, &result)) {
-    FcChar8* path = nullptr;
-    if (FcPatternGetString(match, FC_FILE, 0, &path) == FcResultMatch)
-      file = SbString(reinterpret_cast<char*>(path));
-    FcPatternDestroy(match);
-  }
-  FcPatternDestroy(pattern);
-  FcConfigDestroy(config);
-  return file;
-}
-
-FT_Face faceOf(Fonts& f, SbName const& name) {
-  auto const [known, added] = f.byName.try_emplace(name.str(), nullptr);
-  if (!added) return known->second;
-  if (!f.library && FT_Init_FreeType(&f.library) != 0) return nullptr;
-  SbString const file = fileOf(name.str());
-  if (file.empty()) return nullptr;
-  auto const [opened, isNew] = f.byFile.try_emplace(file, nullptr);
-  if (isNew && FT_New_Face(f.library, file.c_str(), 0, &opened->second) != 0) opened->second = nullptr;
-  FT_Face const face = opened->second;
-  known->second = face && FT_IS_SCALABLE(face) ? face : nullptr;
-  return known->second;
-}
+using Glyphs = std::map<std::tuple<FT_Face, char32_t, int>, std::shared_ptr<SoGlyph const>>;
 
 /// Follows an outline and makes its curves straight pieces.
 struct Flattener {
@@ -153,8 +102,10 @@ void fill(SoGlyph& glyph) {
   glyph.triangles.resize(glyph.triangles.size() / 3 * 3);
 }
 
-std::shared_ptr<SoGlyph const> glyphOf(Fonts& f, FT_Face face, char32_t character, int steps) {
-  auto& known = f.glyphs[{face, character, steps}];
+/// With the fonts locked.
+std::shared_ptr<SoGlyph const> glyphOf(FT_Face face, char32_t character, int steps) {
+  static Glyphs& glyphs = *new Glyphs;
+  auto& known = glyphs[{face, character, steps}];
   if (known) return known;
   auto glyph = std::make_shared<SoGlyph>();
   float const scale = 1.0f / static_cast<float>(face->units_per_EM > 0 ? face->units_per_EM : 1000);
@@ -180,24 +131,29 @@ std::shared_ptr<SoGlyph const> glyphOf(Fonts& f, FT_Face face, char32_t characte
 } // namespace
 
 SoTextLine SoTextOutline::layOut(SbString const& text, SbName const& font, int steps, SbString& error) {
-  Fonts& f = fonts();
-  std::lock_guard lock(f.mutex);
+  SoFontFaces& fonts = SoFontFaces::instance();
+  auto const lock = fonts.lock();
   SoTextLine line;
-  FT_Face const face = faceOf(f, font);
-  if (!face) {
-    error = "there is no font '" + font.str() + "' and none in its place";
-    return line;
+  FT_Face const face = fonts.find(font, error);
+  if (!face) return line;
+  for (char32_t const character : charactersOf(text)) {
+    auto glyph = glyphOf(face, character, steps);
+    float const advance = glyph->advance;
+    line.glyphs.push_back({std::move(glyph), line.width});
+    line.width += advance;
   }
+  return line;
+}
+
+std::u32string SoTextOutline::charactersOf(SbString const& text) {
+  std::u32string characters;
   std::u16string const units = text.toUtf16();
   for (size_t i = 0; i < units.size(); ++i) {
     char32_t character = units[i];
     if (character >= 0xd800 && character < 0xdc00 && i + 1 < units.size()) {
       character = 0x10000 + ((character - 0xd800) << 10) + (units[++i] - 0xdc00u);
     }
-    auto glyph = glyphOf(f, face, character, steps);
-    float const advance = glyph->advance;
-    line.glyphs.push_back({std::move(glyph), line.width});
-    line.width += advance;
+    characters.push_back(character);
   }
-  return line;
+  return characters;
 }

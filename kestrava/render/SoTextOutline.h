@@ -31,8 +31,8 @@ struct SoTextLine {
 class SoTextOutline {
  public:
   SoTextOutline() = delete;
-  /// Lays a line out with a font that fontconfig knows by that name, or that the name is the file of; without
-  /// such a font, with the system's sans-serif one. `steps` is the number of straight pieces of a curve.
-  /// Without any font the line is empty, and `error` says so.
+  /// Lays a line out with a font, see SoFontFaces::find(). `steps` is the number of straight pieces of a curve.
+  /// Without any font the line is empty.
   static SoTextLine layOut(SbString const& text, SbName const& font, int steps, SbString& error);
+  static std::u32string charactersOf(SbString const& text);
 };

@@ -15,6 +15,7 @@ class SoFieldSensor : public SoDataSensor {
 
  private:
   friend class SoField;
+  friend class SoFieldWalk;
   void fieldNotified(SoField* field);
   void attachedObjectDies();
 

@@ -1,10 +1,14 @@
 #include "kestrava/sensors/SoSensorManager.h"
 
+#include <chrono>
+#include <map>
 #include <set>
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
 #include "kestrava/sensors/SoDelayQueueSensor.h"
+#include "kestrava/sensors/SoTimerQueueSensor.h"
 
 namespace {
 
@@ -20,6 +24,7 @@ struct Key {
 struct Queue {
   std::set<Key> ordinary;
   std::set<Key> idle;
+  std::map<std::pair<double, std::uint64_t>, SoTimerQueueSensor*> timers;  // by moment
   std::uint64_t lastOrder = 0;
   std::function<void()> changed;
 };
@@ -59,6 +64,41 @@ void SoSensorManager::processDelayQueue(bool isIdle) {
       from.sensor->trigger();
     }
   }
+}
+
+double SoSensorManager::getTimerTime() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void SoSensorManager::insert(SoTimerQueueSensor* sensor) {
+  Queue& q = queue();
+  sensor->m_order = ++q.lastOrder;
+  auto const [place, added] = q.timers.emplace(std::pair(sensor->m_due, sensor->m_order), sensor);
+  if (place == q.timers.begin() && q.changed) q.changed();
+}
+
+void SoSensorManager::remove(SoTimerQueueSensor* sensor) {
+  queue().timers.erase({sensor->m_due, std::exchange(sensor->m_order, 0)});
+}
+
+void SoSensorManager::processTimerQueue() {
+  Queue& q = queue();
+  double const now = getTimerTime();
+  std::uint64_t const last = q.lastOrder;
+  std::pair<double, std::uint64_t> from{-1, 0};
+  for (auto next = q.timers.upper_bound(from); next != q.timers.end(); next = q.timers.upper_bound(from)) {
+    from = next->first;
+    if (from.first > now) break;
+    if (from.second > last) continue;
+    SoTimerQueueSensor* const sensor = next->second;
+    remove(sensor);
+    sensor->comeDue();
+  }
+}
+
+double SoSensorManager::getTimeToNextTimer() {
+  auto const& timers = queue().timers;
+  return timers.empty() ? -1 : std::max(0.0, timers.begin()->first.first - getTimerTime());
 }
 
 bool SoSensorManager::hasPending(bool withIdle) {

@@ -131,8 +131,28 @@ TEST_F(KvTest, ConvertKeepsTheScene) {
   Outcome const outcome = kv("convert " + scene + " " + (folder / "no" / "where.kv").string());
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.errors.find("No such file or directory"), std::string::npos);
-  EXPECT_EQ(kv("convert --binary " + scene + " " + plain).status, 1);
   EXPECT_TRUE(fileText(plain).starts_with("#Kestrava V1.0 ascii")) << "a failure leaves the old file";
+  EXPECT_EQ(kv("convert --binary --ascii " + scene + " " + plain).status, 2);
+  EXPECT_EQ(kv("convert --json " + scene + " " + plain).status, 2);
+}
+
+TEST_F(KvTest, BinaryFormsAreReadWrittenAndChecked) {
+  std::string const scene = write("scene.kv", "DEF a Cube { width 3.50 } USE a"), text = (folder / "text.kv").string(),
+                    bytes = (folder / "bytes.kv").string(), packed = (folder / "packed.kv").string();
+  EXPECT_EQ(kv("convert --binary " + scene + " " + bytes).status, 0);
+  EXPECT_TRUE(fileText(bytes).starts_with("#Kestrava V1.0 binary\n"));
+  EXPECT_EQ(kv("convert --compress " + bytes + " " + packed).status, 0);
+  EXPECT_EQ(fileText(packed).substr(0, 2), "\x1f\x8b");
+  EXPECT_EQ(kv("check " + bytes + " " + packed).status, 0);
+  EXPECT_EQ(number(kv("info --json " + packed).output, "places"), "2");
+  EXPECT_NE(kv("info " + packed).output.find("#Kestrava V1.0 binary"), std::string::npos) << "the form it had is kept";
+  EXPECT_EQ(kv("convert --ascii " + packed + " " + text).status, 0);
+  EXPECT_EQ(fileText(text), "#Kestrava V1.0 ascii\n\nDEF a Cube {\n  width 3.5\n}\n\nUSE a\n");
+  std::ofstream(bytes, std::ios::app) << "more";
+  Outcome const outcome = kv("check " + bytes);
+  EXPECT_EQ(outcome.status, 1);
+  std::regex const message(bytes + ":[0-9]+: there is more data than the scene\n");
+  EXPECT_TRUE(std::regex_match(outcome.errors, message)) << outcome.errors;
 }
 
 }  // namespace

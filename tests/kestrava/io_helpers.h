@@ -68,7 +68,7 @@ inline SoRef<SoNode> readFile(std::string const& path) {
   return SoRef<SoNode>(SoDB::readAll(&in));
 }
 
-/// Reads nodes, without a header.
+/// Reads nodes, without a header, or binary data with one.
 inline SoRef<SoNode> readText(std::string_view text) {
   SoInput in;
   in.setBuffer(text);
@@ -79,6 +79,15 @@ inline SoRef<SoNode> readText(std::string_view text) {
 inline std::string writeText(SoNode* root) {
   SoOutput out;
   out.setBuffer();
+  SoWriteAction(&out).apply(root);
+  return out.takeBuffer();
+}
+
+/// A graph in the binary form with its header; readText() takes it.
+inline std::string writeBytes(SoNode* root) {
+  SoOutput out;
+  out.setBuffer();
+  out.setBinary(true);
   SoWriteAction(&out).apply(root);
   return out.takeBuffer();
 }

@@ -72,13 +72,6 @@ TEST(SceneWriting, FailuresSayWhy) {
     EXPECT_FALSE(out.closeFile());
     EXPECT_EQ(out.getErrorText().str(), "/dev/full: can not be written: No space left on device");
   }
-  std::string const kept = folder.write("kept.kv", "old");
-  SoWriteAction binary;
-  ASSERT_TRUE(binary.getOutput()->openFile(SbString(kept)));
-  binary.getOutput()->setBinary(true);
-  binary.apply(many.get());
-  EXPECT_FALSE(binary.getOutput()->closeFile());
-  EXPECT_EQ(fileText(kept), "old");
 }
 
 TEST(SceneWriting, CompressedFilesAreTheSameBytesEachTime) {

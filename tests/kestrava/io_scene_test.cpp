@@ -142,7 +142,7 @@ TEST(SceneFiles, WritingSaysOnlyWhatIsNotDefault) {
   root->removeChild(1);
   EXPECT_EQ(writeText(root.get()),
             "#Kestrava V1.0 ascii\n\nSeparator {\n  renderCulling ~\n  DEF a_b+1 Translation {\n"
-            "    translation 0 0 0\n  }\n  DEF a_b Translation {\n    translation 0 0 0 = a_b+1.translation\n  }\n}\n");
+            "    translation 0 0 0\n  }\n  DEF a_b Translation {\n    translation 0 0 0 = USE a_b+1 . translation\n  }\n}\n");
   // The source alone is not in the file.
   EXPECT_EQ(writeText(other), "#Kestrava V1.0 ascii\n\nDEF a_b Translation {\n  translation 0 0 0\n}\n");
 }

@@ -190,6 +190,37 @@ TEST(FieldText, RealsAreReadExactlyAndWrittenShortest) {
   }
 }
 
+// What is set as text comes back as text, through set() and through both forms of a file.
+TEST(FieldText, NothingIsLostOnTheWay) {
+  std::string everyByte;
+  for (int c = 1; c < 256; ++c) everyByte += static_cast<char>(c);
+  std::vector<std::pair<char const*, std::string>> values = {
+      {"SFFloat", "-0"},       {"SFFloat", "nan"},      {"SFFloat", "inf"},      {"SFFloat", "-inf"},
+      {"SFFloat", "1e-45"},    {"SFFloat", "-1e-45"},   {"SFFloat", "1.1754942e-38"}, {"SFFloat", "3.4028235e+38"},
+      {"SFDouble", "-0"},      {"SFDouble", "5e-324"},  {"SFDouble", "1.7976931348623157e+308"},
+      {"SFVec3f", "-0 nan inf"}, {"SFTime", "-0"},      {"MFFloat", "[ -0, nan ]"},
+      {"SFBox3f", "3.4028235e+38 3.4028235e+38 3.4028235e+38 -3.4028235e+38 -3.4028235e+38 -3.4028235e+38"},
+      {"SFString", "\"\""},    {"SFString", "\"\\\\\""}, {"SFString", "\"\\\"\""},
+      {"SFString", "\"" + std::string(3'000'000, 'x') + "\""},
+  };
+  for (std::string const& text : {everyByte, std::string("\\"), std::string("a\\\"b\\\\\""), std::string("\xff\xfe broken"),
+                                  std::string("\u65e5\u672c \U0001f600"), std::string("line\r\nline\t")}) {
+    values.emplace_back("SFString", SoValueToText(SbString(text)).str());
+  }
+  for (auto const& [type, given] : values) {
+    std::unique_ptr<SoField> const field = makeField(type);
+    SbString reason;
+    ASSERT_TRUE(field->set(given.c_str(), &reason)) << type << " " << given.substr(0, 100) << ": " << reason.c_str();
+    ASSERT_TRUE(textOf(*field) == given) << type << " " << given.substr(0, 100);
+    std::string const node = std::string("Odd { fields [ ") + type + " f ] f " + given + " }";
+    SoRef<SoNode> const root = readText(node);
+    ASSERT_TRUE(root) << type;
+    std::string const written = writeText(root);
+    ASSERT_TRUE(writeText(readText(written)) == written) << type << " " << given.substr(0, 100);
+    ASSERT_TRUE(writeText(readText(writeBytes(root))) == written) << type << " " << given.substr(0, 100);
+  }
+}
+
 TEST(FieldText, BinaryFormComesBack) {
   SoMFFloat numbers;
   std::vector<float> const values{1, -0.f, 3.5f, INFINITY};

@@ -12,7 +12,8 @@ SoRef<SoNode> readScene(std::string const& text) {
   return root;
 }
 
-Picture::Picture(SoNode* root) {
+Picture::Picture(SoNode* root, std::function<void(SoOffscreenRenderArea&)> const& prepare,
+                 SoOffscreenRenderArea::OutputFormat format) {
   SoRef<SoOrthographicCamera> camera(new SoOrthographicCamera);
   camera->position = SbVec3f(0, 0, 10);
   camera->farDistance = 20;
@@ -22,7 +23,8 @@ Picture::Picture(SoNode* root) {
   area->setBackgroundColor(SbColorRGBA(0, 0, 0));
   area->setCamera(camera);
   area->setSceneGraph(root);
-  EXPECT_TRUE(area->renderToImage(m_image));
+  if (prepare) prepare(*area);
+  EXPECT_TRUE(area->renderToImage(m_image, format));
 }
 
 unsigned char const* Picture::pixel(float x, float y) const {

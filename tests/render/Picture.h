@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "kestrava/base/SbImage.h"
@@ -16,7 +17,10 @@ SoRef<SoNode> readScene(std::string const& text);
 class Picture {
  public:
   explicit Picture(std::string const& scene) : Picture(readScene(scene)) {}
-  explicit Picture(SoNode* root);
+  explicit Picture(SoNode* root) : Picture(root, nullptr) {}
+  /// `prepare` may change the area before it draws.
+  Picture(SoNode* root, std::function<void(SoOffscreenRenderArea&)> const& prepare,
+          SoOffscreenRenderArea::OutputFormat format = SoOffscreenRenderArea::RGB);
   explicit Picture(SoRef<SoNode> const& root) : Picture(root.get()) {}
   explicit Picture(SbImage const& image) : m_image(image) {}
 

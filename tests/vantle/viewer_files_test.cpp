@@ -156,15 +156,18 @@ TEST_F(FilesTest, UnsavedChanges) {
 
 TEST_F(FilesTest, WritingAFile) {
   start(read("Separator { Cube { width 3 } }"));
+  using enum SoVantleViewer::WriteFileType;
   struct Case {
     char const* name;
+    SoVantleViewer::WriteFileType type;
     bool isCompressed;
-  } const cases[] = {{"a.kv", false}, {"c.KVZ", true}, {"d.kv.gz", true}};
+  } const cases[] = {{"a.kv", ASCII, false}, {"b.kv", BINARY, false}, {"c.KVZ", ASCII, true},
+                     {"d.kv.gz", ASCII, true}, {"e.kvz", BINARY, true}};
   for (Case const& c : cases) {
     QString const name = folder() + "/" + c.name;
     SbString const path = toSbString(name);
-    ASSERT_TRUE(viewer()->fileWrite(viewer()->getScene(), path, SoVantleViewer::ASCII, false)) << c.name;
-    EXPECT_EQ(viewer()->checkHeaderType(path), SoVantleViewer::ASCII) << c.name;
+    ASSERT_TRUE(viewer()->fileWrite(viewer()->getScene(), path, c.type, false)) << c.name;
+    EXPECT_EQ(viewer()->checkHeaderType(path), c.type) << c.name;
     QFile file(name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.read(2) == "\x1f\x8b", c.isCompressed) << c.name;
@@ -172,6 +175,8 @@ TEST_F(FilesTest, WritingAFile) {
     auto* const cube = dynamic_cast<SoCube*>(static_cast<SoGroup*>(viewer()->getScene())->getChild(0));
     ASSERT_TRUE(cube) << c.name;
     EXPECT_EQ(cube->width.getValue(), 3.0f);
+    viewer()->fileSave();
+    EXPECT_EQ(viewer()->checkHeaderType(path), c.type) << c.name << " keeps its form";
   }
   // The type of a file that is written over follows from its header.
   EXPECT_TRUE(viewer()->fileWrite(viewer()->getScene(), toSbString(folder() + "/a.kv"),

@@ -129,10 +129,8 @@ void SoVantleMainFrame::dropEvent(QDropEvent* event) {
 }
 
 void SoVantleMainFrame::WWWInlineFetchURLCB(SbString const& url, void*, SoWWWInline* node) {
-  SoInput in;
-  if (!in.openFile(url.c_str())) return;
-  SoRef<SoNode> const root(SoDB::readAll(&in));
-  in.closeFile();
+  SbString ignored;
+  SoRef<SoNode> const root = SoDB::readIncluded(url, node->getIncluders(), ignored);
   if (root) node->setChildData(root);
 }
 

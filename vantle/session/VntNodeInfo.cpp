@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "kestrava/kits/SoBaseKit.h"
-#include "kestrava/kits/SoDragger.h"
+#include "kestrava/draggers/SoDragger.h"
 #include "kestrava/nodes/SoBackground.h"
 #include "kestrava/nodes/SoBaseColor.h"
 #include "kestrava/nodes/SoCallback.h"

@@ -65,10 +65,14 @@ SoVantleViewer::SoVantleViewer() {
   m_highlightOff = !TreeViewConfig::highlightSelectedNode(SoVantleTreeView::getTreeViewPreferencesPath());
   m_selection = new SoSelection;
   m_selection->policy.setValue(SoSelection::SINGLE);
+  // The tree decides what a click in the 3D view selects.
+  m_selection->setTakingClicks(false);
   if (!isHostLaunched()) {
     if (m_highlight) m_highlight->setVisible(!m_highlightOff);
     services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
   }
+  SoSceneManager* const manager = services->getSceneManager();
+  if (manager && !services->isStandaloneApplication()) attachToHost(manager);
 
   m_treeView = new SoVantleTreeView(frame);
   if (m_examiner) {
@@ -100,6 +104,11 @@ SoVantleViewer::~SoVantleViewer() {
   delete m_treeDock;
   delete m_overviewDock;
   delete m_watchDock;
+  if (m_hostSensor.getAttachedContainer()) {
+    auto* const manager = static_cast<SoSceneManager*>(m_hostSensor.getAttachedContainer());
+    manager->getImpl()->setHighlight(nullptr, nullptr);
+  }
+  leaveSceneFolder();
   m_selection->removeAllChildren();
   m_examiner.reset();
 }
@@ -131,12 +140,29 @@ void SoVantleViewer::chooseHighlight() {
   if (services->isStandaloneApplication() && manager) manager->setGLRenderAction(m_highlight.get());
 }
 
+/// A host's own render action stays; the mark is drawn over what it has drawn.
+void SoVantleViewer::attachToHost(SoSceneManager* manager) {
+  m_hostSensor.setPriority(0);
+  m_hostSensor.setDeleteCallback(hostIsGone, this);
+  m_hostSensor.attach(manager);
+  if (m_highlight && !isHostLaunched()) manager->getImpl()->setHighlight(m_highlight.get(), m_selection);
+}
+
+/// A host may take its scene manager down while the inspector runs on.
+void SoVantleViewer::hostIsGone(void*, SoSensor*) {
+  if (!VntServicesImpl::isInstance()) return;
+  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+  services->setRenderArea(nullptr);
+  services->setSceneManager(nullptr);
+}
+
 void SoVantleViewer::makeExaminer() {
   auto* dock = new QDockWidget(tr("Kestrava Scenoscope"), mainFrame());
   // As the central widget it can neither be moved nor brought back once closed.
   dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
   m_examiner = std::make_unique<SoQtExaminerViewer>(dock, "Examiner");
   dock->setWidget(m_examiner->getWidget());
+  m_examiner->setReportingAllClicks(true);
   connect(m_examiner.get(), &SoQtExaminerViewer::picked, this,
           [this](SbVec2s position, SbViewportRegion const& region) { setPickAction(region, position); });
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();

@@ -6,7 +6,9 @@
 #include <memory>
 
 #include "kestrava/base/SbForward.h"
+#include "kestrava/base/SbString.h"
 #include "kestrava/base/SoBase.h"
+#include "kestrava/sensors/SoNodeSensor.h"
 
 class QDockWidget;
 class QWidget;
@@ -15,6 +17,7 @@ class SoInput;
 class SoNode;
 class SoHighlightRenderAction;
 class SoQtExaminerViewer;
+class SoSceneManager;
 class SoSelection;
 class SoVantleEdition;
 class SoVantleMainFrame;
@@ -84,7 +87,10 @@ class SoVantleViewer : public QObject {
   QDockWidget* makeDock(char const* name, QString const& title, Qt::DockWidgetArea area);
   void makeExaminer();
   void chooseHighlight();
+  void attachToHost(SoSceneManager* manager);
+  static void hostIsGone(void* data, SoSensor* sensor);
   void setFileName(QString const& name);
+  void leaveSceneFolder();
   QString saveQuestion() const;
   void detectExternalScenes(SoNode* node);
   static void readErrorCB(SoError const* error, void* viewer);
@@ -94,10 +100,12 @@ class SoVantleViewer : public QObject {
   SoRef<SoNode> m_scene;
   SoRef<SoSelection> m_selection;
   QString m_fileName;
+  SbString m_sceneFolder; // put into the search path for the present scene; empty when it was there already
   QList<QString> m_recentFiles; // latest first
   std::unique_ptr<QString> m_readError;
   int m_mode = 0;
   bool m_highlightOff = false;
+  SoNodeSensor m_hostSensor; // on the host's scene manager, whose picture shows the highlight
   std::unique_ptr<SoHighlightRenderAction> m_highlight;  // outlives the examiner, which draws with it
   std::unique_ptr<SoQtExaminerViewer> m_examiner;
   SoVantleTreeView* m_treeView = nullptr; // its dock's, or the main frame's

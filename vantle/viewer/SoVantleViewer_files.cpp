@@ -15,6 +15,7 @@
 #include "kestrava/io/SoDB.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/io/SoOutput.h"
+#include "kestrava/io/SoSearchPath.h"
 #include "kestrava/nodes/SoFile.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "vantle/frame/SoCommandManager.h"
@@ -91,6 +92,7 @@ void SoVantleViewer::fileLoad(SoInput& in) {
   if (name.empty()) return;
   // What the scene refers to is looked for beside it.
   SbString const folder = SbFileHelper::getDirName(name);
+  bool const isNew = !SoSearchPath::contains(folder);
   SoInput::removeDirectory(folder);
   SoInput::addDirectoryLast(folder);
 
@@ -101,13 +103,25 @@ void SoVantleViewer::fileLoad(SoInput& in) {
     root = SoDB::readAll(&in);
     in.closeFile();
   }
+  if (!root && isNew) SoInput::removeDirectory(folder);
   if (root) {
+    if (isNew) {
+      leaveSceneFolder();
+      m_sceneFolder = folder;
+    } else if (m_sceneFolder != folder) {
+      leaveSceneFolder();
+    }
     setFileName(toQString(name));
     setScene(root, true);
     updateRecentFiles(m_fileName);
     mainFrame()->m_reloadAction->setEnabled(true);
   }
   displayReadError();
+}
+
+void SoVantleViewer::leaveSceneFolder() {
+  if (!m_sceneFolder.empty()) SoInput::removeDirectory(m_sceneFolder);
+  m_sceneFolder = SbString();
 }
 
 void SoVantleViewer::fileLoadRecent(int index) {
@@ -165,6 +179,7 @@ bool SoVantleViewer::okToClear() {
 bool SoVantleViewer::fileClose() {
   if (!okToClear()) return false;
   SoRef<SoNode> const empty(new SoSeparator);
+  leaveSceneFolder();
   setFileName(QString());
   setScene(empty, true);
   return true;

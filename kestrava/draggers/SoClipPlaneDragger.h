@@ -1,0 +1,22 @@
+#pragma once
+
+#include "kestrava/draggers/SoDragger.h"
+
+/// Stands for a plane that keeps what lies on the side of its arrow (+z): the arrow moves it along, its tip
+/// turns it, the frame moves it across.
+class SoClipPlaneDragger : public SoDragger {
+  SO_NODE(SoClipPlaneDragger, SoDragger)
+  SoClipPlaneDragger();
+
+  SoSFVec3f translation{this, "translation"};
+  SoSFRotation rotation{this, "rotation"};
+  SoKitPart zTranslator{this, "zTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                        "this"};
+  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                    "this"};
+  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                       "this"};
+
+ protected:
+  ~SoClipPlaneDragger() override = default;
+};

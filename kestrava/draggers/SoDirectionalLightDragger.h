@@ -1,0 +1,19 @@
+#pragma once
+
+#include "kestrava/draggers/SoDragger.h"
+
+/// Stands for a light from far away, which shines along the arrow (-z): its tip turns, the ball at its foot
+/// moves.
+class SoDirectionalLightDragger : public SoDragger {
+  SO_NODE(SoDirectionalLightDragger, SoDragger)
+  SoDirectionalLightDragger();
+
+  SoSFVec3f translation{this, "translation"};
+  SoSFRotation rotation{this, "rotation"};
+  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
+  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                    "this"};
+
+ protected:
+  ~SoDirectionalLightDragger() override = default;
+};

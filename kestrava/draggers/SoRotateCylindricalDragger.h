@@ -1,0 +1,16 @@
+#pragma once
+
+#include "kestrava/draggers/SoDragger.h"
+
+/// Turns about its y axis, as a roller.
+class SoRotateCylindricalDragger : public SoDragger {
+  SO_NODE(SoRotateCylindricalDragger, SoDragger)
+  SoRotateCylindricalDragger();
+
+  SoSFRotation rotation{this, "rotation"};
+  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                    "this"};
+
+ protected:
+  ~SoRotateCylindricalDragger() override = default;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "kestrava/draggers/SoDragger.h"
+
+/// A square: moved in its plane, scaled by the tabs at its corners along both sides, by those on its edges
+/// along one.
+class SoTabPlaneDragger : public SoDragger {
+  SO_NODE(SoTabPlaneDragger, SoDragger)
+  SoTabPlaneDragger();
+
+  SoSFVec3f translation{this, "translation"};
+  SoSFVec3f scaleFactor{this, "scaleFactor", SbVec3f(1, 1, 1)};
+  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                       "this"};
+  SoKitPart scaler{this, "scaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
+  SoKitPart xScaler{this, "xScaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                    "this"};
+  SoKitPart yScaler{this, "yScaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                    "this"};
+
+ protected:
+  ~SoTabPlaneDragger() override = default;
+};

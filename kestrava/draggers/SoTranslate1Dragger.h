@@ -1,0 +1,16 @@
+#pragma once
+
+#include "kestrava/draggers/SoDragger.h"
+
+/// Moves along its x axis.
+class SoTranslate1Dragger : public SoDragger {
+  SO_NODE(SoTranslate1Dragger, SoDragger)
+  SoTranslate1Dragger();
+
+  SoSFVec3f translation{this, "translation"};
+  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
+                       "this"};
+
+ protected:
+  ~SoTranslate1Dragger() override = default;
+};
