@@ -2,10 +2,12 @@
 
 #include "apps/gallery/GalleryBehaviour.h"
 #include "apps/gallery/GalleryPage.h"
+#include "kestrava/base/SoModuleTool.h"
 
 // clang-format off
-std::vector<GalleryPage> const& GalleryPage::all() {
-  static std::vector<GalleryPage> const pages{
+static std::vector<GalleryPage> makePages() {
+  auto* const still = GalleryPage::still;
+  std::vector<GalleryPage> pages{
       {"Shapes", "primitives", "Primitives",
        "The four basic shapes: whole, with some of their parts, and with a colour for each part.", still},
       {"Shapes", "face-sets", "Face sets",
@@ -43,7 +45,7 @@ std::vector<GalleryPage> const& GalleryPage::all() {
        "The same ball with the parts of a material: dull, glossy, shining by itself, transparent, and without light.", still},
       {"Light", "ambient", "Ambient light", "More light from everywhere fills the dark side; coloured, it tints it.", still},
       {"Light", "fog", "Fog",
-       "Four avenues. Haze grows evenly with the distance, fog faster, smoke fastest.", still},
+       "Four avenues. Haze grows evenly with the distance, fog is thick at once, smoke leaves what is near clear.", still},
 
       {"Look", "draw-styles", "Draw styles", "Filled, lines, points, and invisible; widths and patterns of lines.", still},
       {"Look", "transparency", "Transparency",
@@ -78,6 +80,8 @@ std::vector<GalleryPage> const& GalleryPage::all() {
       {"Structure", "level-of-detail", "Level of detail",
        "Green is fine, yellow coarse, and red a mere box. Go nearer with the wheel and see them change.", still},
       {"Structure", "units", "Units", "One cylinder in different units of length beside a rule of two metres.", still},
+      {"Structure", "models", "Other formats",
+       "Files of other programs, each the whole contents of a file node: OBJ, PLY and STL.", still},
       {"Structure", "kits", "Node kits", "A scene made of kits alone: camera, lights, and six things.", still},
 
       {"Shaders", "shader", "Shaders",
@@ -101,5 +105,14 @@ std::vector<GalleryPage> const& GalleryPage::all() {
       {"Interaction", "light-manipulators", "Light manipulators",
        "Lights with handles: drag the balls, the arrows' tips, and the rim of the cone.", GalleryBehaviour::handles},
   };
+  // That page needs an optional module, which stays for the life of the program.
+  if (!SoModuleTool::initModule("foreign_formats")) {
+    std::erase_if(pages, [](GalleryPage const& page) { return page.name == std::string_view("models"); });
+  }
+  return pages;
+}
+
+std::vector<GalleryPage> const& GalleryPage::all() {
+  static std::vector<GalleryPage> const pages = makePages();
   return pages;
 }

@@ -182,8 +182,7 @@ bool SoDragGesture::scale(Pointer const& pointer, SoPlacement& placement) {
   if (kind == SCALE_ON_LINE) {
     if (!onLine(m_start.pointer, m_grabbed, axis, from) || !onLine(pointer, m_grabbed, axis, to))
       return false;
-    SbVec3f const opposite = fixed;
-    float const f = factorOf((from - opposite).dot(axis), (to - opposite).dot(axis));
+    float const f = factorOf((from - fixed).dot(axis), (to - fixed).dot(axis));
     for (int i = 0; i < 3; ++i) factor[i] += std::abs(axis[i]) * (f - 1);
   } else if (kind == SCALE_ON_PLANE) {
     if (!onPlane(m_start.pointer, axis, from) || !onPlane(pointer, axis, to)) return false;
@@ -228,7 +227,7 @@ bool SoDragGesture::turnAbout(Pointer const& pointer, SbVec3f const& axis, bool 
   float const steepness =
       std::abs(m_fromRoot.multDirMatrix(ray.getDirection()).normalized().dot(line.getDirection()));
   // A wheel seen edge on is turned as a roller, a roller seen from its end as a wheel.
-  if (flat ? steepness > 0.15f : steepness > 0.9f) {
+  if (flat ? steepness > 0.15f : steepness > 0.6f) {
     if (!onPlane(m_start.pointer, axis, from) || !onPlane(pointer, axis, to)) return false;
   } else {
     if (radius < 1e-6f) return false;
@@ -310,8 +309,9 @@ bool SoDragGesture::openCone(Pointer const& pointer, SoPlacement& placement) {
   SbVec3f const across = m_start.axis.cross(out);
   SbLine const ray = pointer.volume.projectPointToLine(screenOf(pointer));
   bool const flat = std::abs(m_fromRoot.multDirMatrix(ray.getDirection()).normalized().dot(across)) > 0.25f;
-  bool const found = flat ? onPlane(m_start.pointer, across, from) && onPlane(pointer, across, to)
-                          : onLine(m_start.pointer, m_grabbed, out, from) && onLine(pointer, m_grabbed, out, to);
+  bool const found =
+      flat ? onPlane(m_start.pointer, across, from) && onPlane(pointer, across, to)
+           : onLine(m_start.pointer, m_grabbed, out, from) && onLine(pointer, m_grabbed, out, to);
   if (!found) return false;
   // The rim is always as far from the tip.
   float const rim = m_grabbed.length();
@@ -319,7 +319,8 @@ bool SoDragGesture::openCone(Pointer const& pointer, SoPlacement& placement) {
     float const radius = std::max(point.dot(out), 0.0f);
     return flat ? std::atan2(radius, point.dot(m_start.axis)) : std::asin(std::min(radius / rim, 1.0f));
   };
-  placement.angle = std::clamp(placement.angle + angleAt(to) - angleAt(from), 0.01f, std::numbers::pi_v<float> / 2);
+  placement.angle =
+      std::clamp(placement.angle + angleAt(to) - angleAt(from), 0.01f, std::numbers::pi_v<float> / 2);
   m_point = m_space.multVecMatrix(m_grabbed + to - from);
   return true;
 }

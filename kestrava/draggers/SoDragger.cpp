@@ -132,19 +132,12 @@ SbMatrix SoDragger::getHandleMatrix(SbBox3f const& around) const {
   SbBox3f const box = around.isEmpty() ? SbBox3f() : around.transformed(scaled);
   SbVec3f const& factor = placement.scaleFactor;
   // Around nothing it is as large as the scaling says on the whole.
-  size.setScale(std::max(box.isEmpty() ? std::cbrt(std::abs(factor[0] * factor[1] * factor[2]))
-                                       : box.getSize().length() * 0.5f,
-                         1e-3f));
+  size.setScale(std::max(
+      box.isEmpty() ? std::cbrt(std::abs(factor[0] * factor[1] * factor[2])) : box.getSize().length() * 0.5f,
+      1e-3f));
   bool const atCenter = box.isEmpty() || m_fit == CENTRED;
   place.setTranslate(atCenter ? placement.center : scaled.multVecMatrix(around.getCenter()));
   return size * place * rigid;
-}
-
-void SoDragger::copyContents(SoFieldContainer const& from, SoCopier&) {
-  auto const& other = static_cast<SoDragger const&>(from);
-  m_listeners = other.m_listeners;
-  m_minGesture = other.m_minGesture;
-  if (isActive.getValue()) isActive.setValue(false);  // the drag is the original's
 }
 
 void SoDragger::fieldChanged(SoField* field) {
@@ -159,6 +152,16 @@ void SoDragger::fieldChanged(SoField* field) {
     return;
   }
   afterNotification([self = SoRef<SoDragger>(this)] { self->call(VALUE); });
+}
+
+// Nobody drags the copy, whatever happens to the original.
+void SoDragger::copyContents(SoFieldContainer const& from, SoCopier& copier) {
+  SoBaseKit::copyContents(from, copier);
+  m_minGesture = static_cast<SoDragger const&>(from).m_minGesture;
+  for (size_t i = 0; i < m_handles.size(); ++i) setLook(static_cast<int>(i), SoDraggerHandle::NORMAL);
+  if (!isActive.getValue()) return;
+  isActive = false;
+  isActive.setDefault(true);
 }
 
 void SoDragger::remove(Event event, Callback* function, void* data) {

@@ -113,7 +113,7 @@ class SoDragger : public SoBaseKit {
   void copyContents(SoFieldContainer const& from, SoCopier& copier) override;
 
  private:
-  enum Event { START, MOTION, FINISH, VALUE, NUM_EVENTS };
+  enum Event { START, MOTION, FINISH, VALUE };
   struct Listener {
     Event event;
     Callback* function;

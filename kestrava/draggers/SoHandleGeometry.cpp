@@ -98,22 +98,22 @@ SoHandleGeometry& SoHandleGeometry::box(SbVec3f const& center, SbVec3f const& ha
 }
 
 SoHandleGeometry& SoHandleGeometry::ball(SbVec3f const& center, float radius) {
-  constexpr int ROWS = 8, COLUMNS = 16;
+  int const rows = radius < 0.5f ? 8 : 24, columns = 2 * rows;
   int const first = static_cast<int>(m_points.size());
-  for (int row = 0; row <= ROWS; ++row) {
-    float const angle = part(row, ROWS) * std::numbers::pi_v<float>;
-    for (int column = 0; column <= COLUMNS; ++column) {
-      float const around = part(column, COLUMNS) * 2 * std::numbers::pi_v<float>;
+  for (int row = 0; row <= rows; ++row) {
+    float const angle = part(row, rows) * std::numbers::pi_v<float>;
+    for (int column = 0; column <= columns; ++column) {
+      float const around = part(column, columns) * 2 * std::numbers::pi_v<float>;
       SbVec3f const out(std::sin(angle) * std::cos(around), std::sin(angle) * std::sin(around),
                         std::cos(angle));
       vertex(center + out * radius, out);
     }
   }
-  for (int row = 0; row < ROWS; ++row) {
-    for (int column = 0; column < COLUMNS; ++column) {
-      int const a = first + row * (COLUMNS + 1) + column, b = a + COLUMNS + 1;
+  for (int row = 0; row < rows; ++row) {
+    for (int column = 0; column < columns; ++column) {
+      int const a = first + row * (columns + 1) + column, b = a + columns + 1;
       if (row > 0) face({a, b, a + 1});
-      if (row < ROWS - 1) face({b, b + 1, a + 1});
+      if (row < rows - 1) face({b, b + 1, a + 1});
     }
   }
   return *this;

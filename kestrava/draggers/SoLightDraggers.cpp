@@ -47,8 +47,8 @@ void SoSpotLightDragger::fieldChanged(SoField* field) {
 
 void SoSpotLightDragger::copyContents(SoFieldContainer const& from, SoCopier& copier) {
   SoDragger::copyContents(from, copier);
-  auto const& other = static_cast<SoSpotLightDragger const&>(from);
-  m_ownBeam = other.beam.getValue() == other.m_ownBeam ? beam.getValue() : nullptr;
+  auto const& original = static_cast<SoSpotLightDragger const&>(from);
+  m_ownBeam = original.beam.getValue() == original.m_ownBeam ? beam.getValue() : nullptr;
 }
 
 void SoSpotLightDragger::showAngle() {

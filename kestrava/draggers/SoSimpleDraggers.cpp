@@ -84,7 +84,7 @@ SoRotateSphericalDragger::SoRotateSphericalDragger() {
   geometry.ball({}, 1);
   addHandle(rotator, Gesture::TURN_FREELY, X, plainColor(), geometry, 0.6f);
   SoHandleGeometry rings;
-  for (int i = 0; i < 3; ++i) rings.ring({}, axisOf(i), 1.0f, 0.015f);
+  for (int i = 0; i < 3; ++i) rings.ring({}, axisOf(i), 1.01f, 0.015f);
   rings.addTo(static_cast<SoSeparator*>(rotator.getValue()));
 }
 

@@ -30,6 +30,7 @@ class SoElapsedTime : public SoEngine {
 
   // The inputs as they were at m_last: what goes by until they change goes by as they say.
   SbTime m_last;
+  SoField const* m_timeSource = nullptr;  // what timeIn followed then
   float m_speed = 1;
   bool m_isOn = true;
   bool m_isPaused = false;

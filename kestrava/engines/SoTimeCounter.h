@@ -38,6 +38,7 @@ class SoTimeCounter : public SoEngine {
   void advance();
 
   SbTime m_last;
+  SoField const* m_timeSource = nullptr;  // what timeIn followed then
   double m_phase = 0;    // 0 to 1, of the present round
   float m_frequency = 1; // as it was at m_last
   int m_output = 0;

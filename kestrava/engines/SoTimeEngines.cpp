@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "kestrava/engines/SoClock.h"
 #include "kestrava/engines/SoElapsedTime.h"
 #include "kestrava/engines/SoOneShot.h"
 #include "kestrava/engines/SoTimeCounter.h"
 
-SoElapsedTime::SoElapsedTime() : SoEngine(EVENTS) { connectByDefault(timeIn, SoClock::getField()); }
+SoElapsedTime::SoElapsedTime() : SoEngine(EVENTS) {
+  connectByDefault(timeIn, SoClock::getField());
+  m_timeSource = timeIn.getConnectedField();
+}
 
 void SoElapsedTime::advance() {
   SbTime const now = timeIn.getValue();
@@ -19,6 +23,10 @@ void SoElapsedTime::advance() {
 
 void SoElapsedTime::inputChanged(SoField* input) {
   if (input == &timeIn) {
+    // Another clock shows another time: nothing has gone by.
+    if (std::exchange(m_timeSource, timeIn.getConnectedField()) != timeIn.getConnectedField()) {
+      m_last = timeIn.getValue();
+    }
     if (isRunning()) send(timeOut);
     return;
   }
@@ -42,6 +50,7 @@ void SoElapsedTime::copyContents(SoFieldContainer const& from, SoCopier&) {
   m_isOn = other.m_isOn;
   m_isPaused = other.m_isPaused;
   m_hasBegun = other.m_hasBegun;
+  m_timeSource = timeIn.getConnectedField();
   m_elapsed = other.m_elapsed;
 }
 
@@ -87,7 +96,10 @@ void SoOneShot::copyContents(SoFieldContainer const& from, SoCopier&) {
   m_isActive = other.m_isActive;
 }
 
-SoTimeCounter::SoTimeCounter() : SoEngine(EVENTS) { connectByDefault(timeIn, SoClock::getField()); }
+SoTimeCounter::SoTimeCounter() : SoEngine(EVENTS) {
+  connectByDefault(timeIn, SoClock::getField());
+  m_timeSource = timeIn.getConnectedField();
+}
 
 int SoTimeCounter::countStages() const {
   int const span = max.getValue() - min.getValue();
@@ -131,6 +143,9 @@ void SoTimeCounter::advance() {
 }
 
 void SoTimeCounter::inputChanged(SoField* input) {
+  if (std::exchange(m_timeSource, timeIn.getConnectedField()) != timeIn.getConnectedField()) {
+    m_last = timeIn.getValue();  // another clock
+  }
   advance();
   m_isOn = on.getValue();
   m_frequency = std::max(frequency.getValue(), 0.f);
@@ -162,4 +177,5 @@ void SoTimeCounter::copyContents(SoFieldContainer const& from, SoCopier&) {
   m_output = other.m_output;
   m_isOn = other.m_isOn;
   m_hasBegun = other.m_hasBegun;
+  m_timeSource = timeIn.getConnectedField();
 }

@@ -68,7 +68,7 @@ std::vector<SoEnumSymbol>* SoField::getOpenSymbols() const {
 void SoField::setIgnored(bool on) {
   if (on == isIgnored()) return;
   m_flags ^= IGNORED;
-  if (isNotifyEnabled()) spread();
+  tellOnly();
 }
 
 void SoField::setDefault(bool on) {

@@ -188,6 +188,7 @@ class SoField {
   bool dependsOn(SoField const* other) const;
   void link(SoField* source);
   void unlink();
+  void tellOnly();
   void spread();
 
   SoFieldContainer* m_container;

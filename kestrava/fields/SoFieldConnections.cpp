@@ -7,6 +7,7 @@
 #include "kestrava/fields/SoField.h"
 #include "kestrava/fields/SoFieldContainer.h"
 #include "kestrava/fields/SoFieldWalk.h"
+#include "kestrava/fields/SoSFTrigger.h"
 #include "kestrava/sensors/SoFieldSensor.h"
 
 SoField::~SoField() {
@@ -104,8 +105,14 @@ bool SoField::connectFrom(SoField* source) {
   if (isConnected()) unlink();
   clearFlag(OWN_CONNECTION);
   link(source);
-  markPending();
-  if (isNotifyEnabled()) spread();
+  if (isOfType(SoSFTrigger::getClassTypeId())) {
+    // Being connected is no event.
+    setDefault(false);
+    tellOnly();
+  } else {
+    markPending();
+    if (isNotifyEnabled()) spread();
+  }
   return true;
 }
 
@@ -117,7 +124,7 @@ void SoField::disconnect() {
     setDefault(false);
   }
   unlink();
-  if (isNotifyEnabled()) spread();
+  tellOnly();
 }
 
 void SoField::markPending() {
@@ -169,6 +176,19 @@ void SoField::takeWaiting() {
   SoDebugError::post("SoField::evaluate", "'%s' keeps its value, because '%s' has none for a %s: %s",
                      getName().c_str(), source->getName().c_str(), getTypeId().getName().c_str(),
                      reason.c_str());
+}
+
+// For what is no change of the value: those who follow it are not concerned.
+void SoField::tellOnly() {
+  if (!isNotifyEnabled()) return;
+  if (m_links) {
+    SoFieldWalk walk;
+    walk.reach(this);
+    walk.tell();
+  } else if (m_container) {
+    m_container->fieldChanged(this);
+    m_container->notify(SoNotification{SoNotification::UNSPECIFIED, m_container, this});
+  }
 }
 
 void SoField::spread() {

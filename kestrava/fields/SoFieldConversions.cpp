@@ -6,6 +6,7 @@
 #include "kestrava/fields/SoMFPath.h"
 #include "kestrava/fields/SoMFString.h"
 #include "kestrava/fields/SoMField.h"
+#include "kestrava/fields/SoSFFieldContainer.h"
 #include "kestrava/fields/SoSFName.h"
 #include "kestrava/fields/SoSFNode.h"
 #include "kestrava/fields/SoSFString.h"
@@ -21,6 +22,12 @@ template <class T> T const* as(SoField const& field) {
 
 /// True for fields whose values are any text, so that text needs no quotes there.
 bool holdsText(SoField const& field) { return as<SoSFString>(field) || as<SoSFName>(field); }
+
+/// True for fields that refer to objects: as text these would become others.
+bool holdsObjects(SoField const& field) {
+  return as<SoSFNode>(field) || as<SoMFNode>(field) || as<SoSFPath>(field) || as<SoMFPath>(field) ||
+         as<SoSFFieldContainer>(field);
+}
 
 /// The first value, or the only one: strings without quotes, everything else as in files.
 SbString firstText(SoField const& field) {
@@ -79,6 +86,7 @@ bool SoField::isConvertible(SoField& source) const {
   if (holdsText(*this) || as<SoMFString>(*this))
     return source.isOfType(SoSField::getClassTypeId()) || as<SoMField>(source);
   if ((holdsText(source) || as<SoMFString>(source)) && getTypeId().canCreateInstance()) return true;
+  if (holdsObjects(*this) || holdsObjects(source)) return false;
   // For the rest the present value tells.
   std::unique_ptr<SoField> const trial(static_cast<SoField*>(getTypeId().createInstance()));
   if (!trial) return false;

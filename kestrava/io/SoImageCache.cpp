@@ -47,9 +47,10 @@ std::shared_ptr<SoImageCache::File const> find(SbString const& name, SbString co
   return file;
 }
 
-}  // namespace
+} // namespace
 
-std::shared_ptr<SoImageCache::File const> SoImageCache::open(SbString const& name, SbString const& sceneFile) {
+std::shared_ptr<SoImageCache::File const> SoImageCache::open(SbString const& name,
+                                                             SbString const& sceneFile) {
   bool isNew = false;
   auto const file = find(name, sceneFile, isNew);
   if (isNew && !file->fault.empty()) {
@@ -68,7 +69,7 @@ SbImage SoImageCache::get(SbString const& name, SbString& error) {
 namespace {
 /// Of the references in the nodes, which several rendering threads ask.
 std::mutex namesMutex;
-}  // namespace
+} // namespace
 
 void SoNamedImage::nameChanged() {
   auto const& files = SoDB::getFilesBeingRead();
@@ -81,7 +82,7 @@ SbImage SoNamedImage::get(SbString const& name) {
   std::unique_lock lock(namesMutex);
   if (m_file) return m_file->image;
   SbString const sceneFile = m_sceneFile;
-  lock.unlock();  // who hears of a fault may ask for images
+  lock.unlock(); // who hears of a fault may ask for images
   auto const file = SoImageCache::open(name, sceneFile);
   lock.lock();
   m_file = file;

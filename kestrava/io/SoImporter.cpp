@@ -36,9 +36,9 @@ std::string readBeginning(SbString const& name, bool& isPacked) {
   std::string beginning(1024, '\0');
   auto fill = [&] {
     std::size_t count = 0;
-    while (std::size_t const part =
-               bytes && count < beginning.size() ? bytes->read(&beginning[count], beginning.size() - count)
-                                                 : 0) {
+    while (std::size_t const part = bytes && count < beginning.size()
+                                        ? bytes->read(&beginning[count], beginning.size() - count)
+                                        : 0) {
       count += part;
     }
     return count;
@@ -54,11 +54,11 @@ std::string readBeginning(SbString const& name, bool& isPacked) {
 }
 
 /// Files that an extension module would read, by the ends of their names.
-constexpr std::string_view KNOWN_FORMATS[] = {"3ds", "3mf", "ac",  "ase", "blend", "bvh", "dae", "dxf", "fbx",
-                                              "glb", "gltf", "ifc", "lwo", "ms3d",  "obj", "off", "ply", "stl",
-                                              "x",   "x3d"};
+constexpr std::string_view KNOWN_FORMATS[] = {"3ds", "3mf", "ac",  "ase",  "blend", "bvh", "dae",
+                                              "dxf", "fbx", "glb", "gltf", "ifc",   "lwo", "ms3d",
+                                              "obj", "off", "ply", "stl",  "x",     "x3d"};
 
-}  // namespace
+} // namespace
 
 void SoImporter::add(SoImporter const* importer) {
   std::lock_guard lock(registry().mutex);
@@ -86,6 +86,7 @@ SoRef<SoNode> SoImporter::readFile(SbString const& name, std::function<void(doub
   std::string const extension = SbFileHelper::getExtension(file.innerName).lower().str();
   bool const isKnown =
       std::find(std::begin(KNOWN_FORMATS), std::end(KNOWN_FORMATS), extension) != std::end(KNOWN_FORMATS);
-  if (isKnown) fault = SbString::format("the format '%s' needs the module \"foreign_formats\"", extension.c_str());
+  if (isKnown)
+    fault = SbString::format("the format '%s' needs the module \"foreign_formats\"", extension.c_str());
   return {};
 }

@@ -11,9 +11,9 @@
 class SoImporter {
  public:
   struct File {
-    SbString name;       ///< full name, or that of an in-memory file
-    SbString innerName;  ///< without what names the compression
-    bool isPacked;       ///< compressed as a whole
+    SbString name;      ///< full name, or that of an in-memory file
+    SbString innerName; ///< without what names the compression
+    bool isPacked;      ///< compressed as a whole
   };
 
   virtual ~SoImporter() = default;

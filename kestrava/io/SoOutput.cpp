@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 #include "kestrava/io/SoByteTarget.h"
@@ -10,6 +11,23 @@
 namespace {
 
 constexpr int DEEPEST_INDENT = 20;
+
+/// Text of a small multiple of an eighth, which is what many coordinates are, for a fraction of what others
+/// cost. Answers its end, null for other values. No shorter text reads back to these.
+template <class T>
+char* writeEighths(char* to, T value) {
+  constexpr T LIMIT = 8 * 99'999;  // beyond, an exponent may be shorter
+  static constexpr std::string_view FRACTIONS[] = {"", ".125", ".25", ".375", ".5", ".625", ".75", ".875"};
+  T const scaled = value * 8;
+  if (!(scaled >= -LIMIT && scaled <= LIMIT)) return nullptr;
+  auto const eighths = static_cast<int>(scaled);
+  if (static_cast<T>(eighths) != scaled || (eighths == 0 && std::signbit(value))) return nullptr;
+  if (eighths < 0) *to++ = '-';
+  int const magnitude = std::abs(eighths);
+  to = std::to_chars(to, to + 8, magnitude / 8).ptr;
+  std::string_view const fraction = FRACTIONS[magnitude % 8];
+  return to + fraction.copy(to, fraction.size());
+}
 
 }  // namespace
 
@@ -105,10 +123,11 @@ void SoOutput::writeNumber(T value) {
     put({bytes, sizeof value});
     return;
   }
+  char text[32];
   if constexpr (std::is_floating_point_v<T>) {
     if (std::isnan(value)) return put("nan");
+    if (char const* const end = writeEighths(text, value)) return put({text, end});
   }
-  char text[32];
   put({text, std::to_chars(text, text + sizeof text, value).ptr});
 }
 

@@ -152,8 +152,10 @@ bool SoWriter::writeNextField() {
     if (!SoGraphSurvey::isWritten(field)) continue;
     field->evaluate();
     bool const isSet = !field->isDefault() && !field->isConnectionDefault();
-    bool const hasValue = isSet && kind != FieldKind::TRIGGER;
-    m_form->beginField(field, isSet);
+    bool const isTrigger = kind == FieldKind::TRIGGER;
+    bool const hasValue = isSet && !isTrigger;
+    // In text a trigger with a mark or a connection can not be told from one that was not set.
+    m_form->beginField(field, hasValue || (isSet && !field->isIgnored() && !field->isConnected()));
     if (hasValue && kind == FieldKind::PLAIN) m_form->putValue(field);
     if (hasValue && kind != FieldKind::PLAIN) {
       bool const isMany = kind == FieldKind::NODES || kind == FieldKind::PATHS;

@@ -97,6 +97,7 @@ void SoCopier::fill(Pair pair) {
       m_connections.push_back({&from, &to});
     } else if (to.isConnected()) {
       to.unlink();
+      to.clearFlag(SoField::OWN_CONNECTION);
     }
   }
   if (!pair.from->getName().empty()) pair.to->setName(pair.from->getName());

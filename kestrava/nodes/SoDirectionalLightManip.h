@@ -20,7 +20,7 @@ class SoDirectionalLightManip : public SoDirectionalLight {
  protected:
   ~SoDirectionalLightManip() override = default;
   void fieldChanged(SoField* field) override { m_child.manipChanged(field); }
-  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.listCopied(); }
+  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.adopt(); }
 
  private:
   mutable SoManipChild m_child;

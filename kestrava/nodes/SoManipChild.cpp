@@ -10,7 +10,8 @@
 #include "kestrava/nodes/SoGroup.h"
 
 void SoManipChild::release() {
-  if (SoDragger* const dragger = getDragger()) dragger->setOwner(nullptr);
+  SoDragger* const dragger = getDragger();
+  if (dragger && dragger->getOwner() == this) dragger->setOwner(nullptr);
   m_list.truncate(0);
 }
 
@@ -21,6 +22,10 @@ void SoManipChild::hold(SoDragger* dragger) {
   m_list.append(dragger);
   dragger->setOwner(this);
   manipChanged(nullptr);
+}
+
+void SoManipChild::adopt() {
+  if (SoDragger* const dragger = getDragger()) dragger->setOwner(this);
 }
 
 bool SoManipChild::setDragger(SoDragger* dragger) {

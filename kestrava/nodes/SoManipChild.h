@@ -29,11 +29,8 @@ class SoManipChild : private SoDraggerOwner {
   /// A field of the manipulator has changed.
   void manipChanged(SoField* field);
 
-  /// The dragger in the list is a copy that belongs to nobody: takes it over as it is.
-  void listCopied() {
-    if (SoDragger* const dragger = getDragger()) dragger->setOwner(this);
-  }
-
+  /// Takes charge of a dragger that was put into the list from outside.
+  void adopt();
   /// For constructors.
   void hold(SoDragger* dragger);
 

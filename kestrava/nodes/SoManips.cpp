@@ -116,7 +116,7 @@ void planeToDragger(SoNode* manip, SoDragger* dragger, SoField*) {
 /// What the dragger surrounds, given the bounds of what follows.
 SbBox3f surround(SbBox3f const& followers, SoTransformManip const&) { return followers; }
 template <class Light> SbBox3f surround(SbBox3f const& followers, Light const&) {
-  return SoBoxInBall(followers.getSize().length() * 0.1f);
+  return SoBoxInBall(followers.getSize().length() * 0.14f);
 }
 SbBox3f surround(SbBox3f const& followers, SoClipPlaneManip const&) {
   return SoBoxInBall(followers.getSize().length() * 0.55f);

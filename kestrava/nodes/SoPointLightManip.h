@@ -19,7 +19,7 @@ class SoPointLightManip : public SoPointLight {
  protected:
   ~SoPointLightManip() override = default;
   void fieldChanged(SoField* field) override { m_child.manipChanged(field); }
-  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.listCopied(); }
+  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.adopt(); }
 
  private:
   mutable SoManipChild m_child;

@@ -25,7 +25,7 @@ class SoTransformManip : public SoTransform {
   explicit SoTransformManip(SoDragger* dragger = nullptr);
   ~SoTransformManip() override = default;
   void fieldChanged(SoField* field) override { m_child.manipChanged(field); }
-  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.listCopied(); }
+  void copyContents(SoFieldContainer const&, SoCopier&) override { m_child.adopt(); }
 
  private:
   mutable SoManipChild m_child;

@@ -228,10 +228,10 @@ SoDrawLook SoDrawListAction::lookOf(SoDrawMesh const& mesh, SoDrawMaterial const
   look.culled = hints.solid && look.ordered;
   look.environmentMap = coordinates.source == SoTextureCoordinateElement::ENVIRONMENT;
   look.surroundings = surroundingsIndex();
-  auto const& texture = state.get<SoTextureImageElement>();
+  auto const& image = state.get<SoTextureImageElement>();
   if (look.environmentMap || !mesh.mesh.texCoords.empty()) {
-    look.texture = textureIndex(texture);
-    look.fillsTexture = look.texture >= 0 && texture.image.getDepth() > 0 &&
+    look.texture = textureIndex(image);
+    look.fillsTexture = look.texture >= 0 && image.image.getDepth() > 0 &&
                         coordinates.source == SoTextureCoordinateElement::SHAPE_DEFAULT;
   }
   look.shader = state.get<SoShaderElement>().shader;

@@ -44,7 +44,7 @@ bool startThread(pthread_t& thread, Job& job) {
   return false;
 }
 
-}  // namespace
+} // namespace
 
 void runOnLargeStack(std::function<void()> const& work, std::function<void()> const& whileWaiting) {
   Job job{work, {}, {}, {}};

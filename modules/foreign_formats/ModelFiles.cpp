@@ -27,7 +27,8 @@ std::string decodePercent(std::string const& text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     unsigned value = 0;
     if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) &&
-        std::isxdigit(static_cast<unsigned char>(text[i + 2])) && std::sscanf(&text[i + 1], "%2x", &value) == 1) {
+        std::isxdigit(static_cast<unsigned char>(text[i + 2])) &&
+        std::sscanf(&text[i + 1], "%2x", &value) == 1) {
       result += static_cast<char>(value);
       i += 2;
     } else {
@@ -113,7 +114,7 @@ class TextStream : public Assimp::IOStream {
   EndGuard m_guard;
 };
 
-}  // namespace
+} // namespace
 
 SbString findModelFile(SbString const& model, std::string const& name) {
   std::string const folder = SbFileHelper::getDirName(model).str();
@@ -129,7 +130,8 @@ SbString findModelFile(SbString const& model, std::string const& name) {
   if (bare.empty()) return SbString();
   SbString const found = SoSearchPath::findBeside(model, SbString(bare));
   if (!found.empty() && isFile(found.str())) return found;
-  std::string const sub = SbFileHelper::isAbsolute(SbString(decoded)) ? "" : SbFileHelper::getDirName(SbString(decoded)).str();
+  std::string const sub =
+      SbFileHelper::isAbsolute(SbString(decoded)) ? "" : SbFileHelper::getDirName(SbString(decoded)).str();
   std::string inOtherCase = findInOtherCase(folder + sub, bare);
   if (inOtherCase.empty()) inOtherCase = findInOtherCase(folder, bare);
   return SbString(inOtherCase);

@@ -7,8 +7,8 @@
 
 #include "kestrava/io/SoImporter.h"
 
-/// The file that a model names: beside the model, under its bare name there, or along the search path; names of
-/// other systems and percent-encoded ones are understood. Empty when there is none.
+/// The file that a model names: beside the model, under its bare name there, or along the search path; names
+/// of other systems and percent-encoded ones are understood. Empty when there is none.
 SbString findModelFile(SbString const& model, std::string const& name);
 
 /// Gives Assimp the files that it asks for, compressed and in-memory models included.
@@ -31,7 +31,7 @@ class ModelFiles : public Assimp::IOSystem {
   std::shared_ptr<std::string const> loadModel();
 
   SoImporter::File const& m_model;
-  std::shared_ptr<std::string const> m_text;  // of the model, where it is no plain file
+  std::shared_ptr<std::string const> m_text; // of the model, where it is no plain file
   SbString m_fault;
   std::set<std::string> m_missing;
 };

@@ -36,7 +36,8 @@ class Progress : public Assimp::ProgressHandler {
 };
 
 SbString oneLine(std::string text) {
-  std::replace_if(text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, ' ');
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, ' ');
   while (!text.empty() && text.back() == ' ') text.pop_back();
   constexpr std::size_t LONGEST = 400;
   if (text.size() > LONGEST) text = text.substr(0, LONGEST) + "...";
@@ -52,11 +53,11 @@ aiScene const* readScene(Assimp::Importer& importer, SoImporter::File const& fil
   return importer.ReadFile(file.innerName.str(), aiProcess_GenUVCoords | aiProcess_TransformUVCoords);
 }
 
-}  // namespace
+} // namespace
 
 ModelImporter::ModelImporter() {
   std::string list;
-  Assimp::Importer().GetExtensionList(list);  // "*.3ds;*.obj;..."
+  Assimp::Importer().GetExtensionList(list); // "*.3ds;*.obj;..."
   std::istringstream stream(list);
   for (std::string entry; std::getline(stream, entry, ';');) {
     if (entry.starts_with("*.")) m_extensions.insert(entry.substr(2));
@@ -76,7 +77,7 @@ SoRef<SoNode> ModelImporter::read(File const& file, std::function<void(double)> 
   SoRef<SoNode> root;
   std::unique_ptr<Assimp::Importer> importer;
   std::atomic<float> share = 0;
-  ModelFiles* files = nullptr;  // the importer's
+  ModelFiles* files = nullptr; // the importer's
   aiScene const* scene = nullptr;
   double told = 0;
   auto tell = [&](double percent) {
@@ -87,7 +88,7 @@ SoRef<SoNode> ModelImporter::read(File const& file, std::function<void(double)> 
     runOnLargeStack(
         [&] {
           importer = std::make_unique<Assimp::Importer>();
-          importer->SetProgressHandler(new Progress(share));  // gives it away, as the next one
+          importer->SetProgressHandler(new Progress(share)); // gives it away, as the next one
           importer->SetIOHandler(files = new ModelFiles(file));
           scene = readScene(*importer, file);
         },
@@ -105,9 +106,9 @@ SoRef<SoNode> ModelImporter::read(File const& file, std::function<void(double)> 
                                     file.name.c_str(), missing.c_str());
       }
       // Its meshes are let go as they become nodes: the importer owns the scene all the same.
-      root = ModelScene(const_cast<aiScene&>(*scene), file.name,
-                        [&](double part) { tell(READING + (100 - READING) * part); })
-                 .build();
+      root = ModelScene(const_cast<aiScene&>(*scene), file.name, [&](double part) {
+               tell(READING + (100 - READING) * part);
+             }).build();
     }
   } catch (std::bad_alloc const&) {
     fault = "there is not enough memory for the model";

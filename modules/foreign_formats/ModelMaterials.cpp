@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr float LARGEST_EXPONENT = 128;  // of a highlight: shininess 1
+constexpr float LARGEST_EXPONENT = 128; // of a highlight: shininess 1
 
 float unit(float value) { return value > 0 ? std::min(value, 1.0f) : 0.0f; }
 SbColor toColor(aiColor4D const& c) { return SbColor(unit(c.r), unit(c.g), unit(c.b)); }
@@ -91,7 +91,8 @@ SbImage imageOf(aiTexture const& texture, std::string& fault) {
 int wrapOf(aiMaterial const& material, char const* key, aiTextureType type) {
   int mode = aiTextureMapMode_Wrap;
   material.Get(key, type, 0, mode);
-  return mode == aiTextureMapMode_Clamp || mode == aiTextureMapMode_Decal ? SoTexture2::CLAMP : SoTexture2::REPEAT;
+  return mode == aiTextureMapMode_Clamp || mode == aiTextureMapMode_Decal ? SoTexture2::CLAMP
+                                                                          : SoTexture2::REPEAT;
 }
 
 /// As the scene shall name it: relative where it lies beside the model or below.
@@ -103,7 +104,7 @@ SbString nameOf(SbString const& model, std::string const& given) {
   return SbString(path.starts_with(folder) ? path.substr(folder.size()) : path);
 }
 
-}  // namespace
+} // namespace
 
 SbName modelName(aiString const& name) {
   std::string_view const text(name.C_Str());

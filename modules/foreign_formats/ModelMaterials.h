@@ -20,12 +20,12 @@ class ModelMaterials {
   ModelMaterials(aiScene const& scene, SbString const& model, bool isGltf);
 
   struct Look {
-    std::vector<SoRef<SoNode>> nodes;  // material, texture, and a light model where it is not lit
+    std::vector<SoRef<SoNode>> nodes; // material, texture, and a light model where it is not lit
     SbColor diffuse{1, 1, 1};
     float transparency = 0;
-    bool hidesBack = false;  // faces seen from behind are not drawn
-    int textureChannel = 0;  // of the coordinates
-    SoRef<SoNode> texture;   // null: none
+    bool hidesBack = false; // faces seen from behind are not drawn
+    int textureChannel = 0; // of the coordinates
+    SoRef<SoNode> texture;  // null: none
   };
   Look const& get(unsigned index);
 

@@ -8,8 +8,8 @@
 #include <cstring>
 
 #include "kestrava/base/SbMatrix.h"
-#include "kestrava/base/SoChildList.h"
 #include "kestrava/base/SbRotation.h"
+#include "kestrava/base/SoChildList.h"
 #include "kestrava/nodes/SoMatrixTransform.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoShapeHints.h"
@@ -102,7 +102,7 @@ bool isGltf(aiScene const& scene) {
          std::strncmp(format.C_Str(), "glTF", 4) == 0;
 }
 
-}  // namespace
+} // namespace
 
 ModelScene::ModelScene(aiScene& scene, SbString const& model, std::function<void(double)> const& progress)
     : m_scene(scene),
@@ -114,7 +114,8 @@ ModelScene::ModelScene(aiScene& scene, SbString const& model, std::function<void
 SoRef<SoNode> ModelScene::build() {
   SoRef<SoGroup> const hierarchy(new SoSeparator);
   buildHierarchy(hierarchy);
-  if (!m_convention && m_scene.mNumLights == 0 && m_scene.mNumCameras == 0) return SoRef<SoNode>(hierarchy.get());
+  if (!m_convention && m_scene.mNumLights == 0 && m_scene.mNumCameras == 0)
+    return SoRef<SoNode>(hierarchy.get());
   SoRef<SoGroup> const top(new SoSeparator);
   addCameras(top);
   addLights(top);

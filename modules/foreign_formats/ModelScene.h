@@ -36,6 +36,6 @@ class ModelScene {
   std::map<unsigned, std::vector<SoRef<SoNode>>> m_meshNodes;
   std::map<unsigned, SoRef<SoNode>> m_meshGroups;
   std::map<std::tuple<bool, bool, bool>, SoRef<SoNode>> m_hints;
-  std::map<aiNode const*, SoRef<SoNode>> m_transforms;  // of the nodes that have one
-  SoRef<SoNode> m_convention;  // turns the model's units and axes into the toolkit's; null: they are
+  std::map<aiNode const*, SoRef<SoNode>> m_transforms; // of the nodes that have one
+  SoRef<SoNode> m_convention; // turns the model's units and axes into the toolkit's; null: they are
 };

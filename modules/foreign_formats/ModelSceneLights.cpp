@@ -104,7 +104,7 @@ aiNode const* findNode(aiNode const* root, aiString const& name) {
   return nullptr;
 }
 
-}  // namespace
+} // namespace
 
 SoRef<SoNode> ModelScene::placed(aiString const& nodeName, SoNode* content) {
   SoRef<SoGroup> const group(new SoTransformSeparator);
@@ -124,7 +124,7 @@ void ModelScene::addLights(SoGroup* top) {
   for (unsigned i = 0; i < m_scene.mNumLights; ++i) {
     aiLight const& light = *m_scene.mLights[i];
     SoRef<SoLight> const node = makeLight(light, m_isGltf);
-    if (!node) continue;  // ambient and area lights have no counterpart
+    if (!node) continue; // ambient and area lights have no counterpart
     aiColor3D const& c = light.mColorDiffuse;
     // Formats count in units of their own; here 1 is the most.
     float const strongest = std::max({c.r, c.g, c.b});

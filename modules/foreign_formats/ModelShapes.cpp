@@ -41,7 +41,9 @@ class Corners : public Arrays {
   }
 
   int count() const { return static_cast<int>(points.size()); }
-  int indexOf(unsigned corner) const { return m_joined.empty() ? static_cast<int>(corner) : m_joined[corner]; }
+  int indexOf(unsigned corner) const {
+    return m_joined.empty() ? static_cast<int>(corner) : m_joined[corner];
+  }
 
  private:
   /// True when every face has corners of its own in the file.
@@ -125,7 +127,7 @@ class Corners : public Arrays {
   aiVector3D const* m_texCoords = nullptr;
   SbColor m_tint{1, 1, 1};
   float m_opacity = 1;
-  std::vector<std::int32_t> m_joined;  // corner of the mesh to that of the fields; empty: the same
+  std::vector<std::int32_t> m_joined; // corner of the mesh to that of the fields; empty: the same
 };
 
 SoRef<SoVertexProperty> makeProperty(Arrays& corners, SoMaterialBinding::Binding binding) {
@@ -160,7 +162,7 @@ void addSegment(std::vector<std::int32_t>& lines, std::int32_t from, std::int32_
   lines.push_back(-1);
 }
 
-}  // namespace
+} // namespace
 
 ModelShapes::ModelShapes(aiMesh const& mesh, ModelMaterials::Look const& look, bool tinted) {
   Corners corners(mesh, look, tinted);

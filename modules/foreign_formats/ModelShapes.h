@@ -13,7 +13,7 @@ struct ModelShapes {
   ModelShapes(aiMesh const& mesh, ModelMaterials::Look const& look, bool tinted);
 
   std::vector<SoRef<SoNode>> nodes;
-  bool hasPolygons = false;  // with more than three corners
+  bool hasPolygons = false; // with more than three corners
   bool hasNormals = false;
   bool hasTexCoords = false;
 };

@@ -6,7 +6,7 @@ ModelImporter const& modelImporter() {
   static ModelImporter const& instance = *new ModelImporter;
   return instance;
 }
-}  // namespace
+} // namespace
 
 extern "C" {
 void qor_foreign_formats_init() { SoImporter::add(&modelImporter()); }

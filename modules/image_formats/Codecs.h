@@ -2,8 +2,8 @@
 
 #include "kestrava/base/SbImageReader.h"
 
-// The decoders of this module, each as a codec of the image reader wants it: the rows from the bottom, 8 bits a
-// component.
+// The decoders of this module, each as a codec of the image reader wants it: the rows from the bottom, 8 bits
+// a component.
 
 using ImageBytes = std::vector<unsigned char>;
 

@@ -25,11 +25,10 @@ bool startsWith(ImageBytes const& file, std::string_view sign) {
   return file.size() >= sign.size() && std::memcmp(file.data(), sign.data(), sign.size()) == 0;
 }
 
-template <class T>
-using Pixels = std::unique_ptr<T, void (*)(void*)>;
+template <class T> using Pixels = std::unique_ptr<T, void (*)(void*)>;
 
-/// stb_image takes what lies behind the end for zeros. Here it finds some, and that it took them tells that the
-/// file is cut short.
+/// stb_image takes what lies behind the end for zeros. Here it finds some, and that it took them tells that
+/// the file is cut short.
 class PaddedFile {
  public:
   explicit PaddedFile(ImageBytes const& file) : m_bytes(file) {
@@ -57,7 +56,8 @@ void dropOpaqueAlpha(ImageBytes& pixels, int& components) {
     if (pixels[i] != 255) return;
   }
   for (std::size_t i = 0, to = 0; i < pixels.size(); i += 4, to += 3) {
-    std::copy_n(pixels.begin() + static_cast<std::ptrdiff_t>(i), 3, pixels.begin() + static_cast<std::ptrdiff_t>(to));
+    std::copy_n(pixels.begin() + static_cast<std::ptrdiff_t>(i), 3,
+                pixels.begin() + static_cast<std::ptrdiff_t>(to));
   }
   pixels.resize(pixels.size() / 4 * 3);
   components = 3;
@@ -99,10 +99,11 @@ unsigned char toScreen(float light) {
 
 int word(ImageBytes const& file, std::size_t at) { return file[at] | file[at + 1] << 8; }
 
-}  // namespace
+} // namespace
 
 void flipRows(ImageBytes& pixels, std::size_t rowBytes) {
-  for (auto low = pixels.begin(), high = pixels.end(); high - low >= 2 * static_cast<std::ptrdiff_t>(rowBytes);) {
+  for (auto low = pixels.begin(), high = pixels.end();
+       high - low >= 2 * static_cast<std::ptrdiff_t>(rowBytes);) {
     high -= static_cast<std::ptrdiff_t>(rowBytes);
     std::swap_ranges(low, low + static_cast<std::ptrdiff_t>(rowBytes), high);
     low += static_cast<std::ptrdiff_t>(rowBytes);
@@ -112,7 +113,9 @@ void flipRows(ImageBytes& pixels, std::size_t rowBytes) {
 bool takesBmp(ImageBytes const& file) { return startsWith(file, "BM"); }
 bool takesGif(ImageBytes const& file) { return startsWith(file, "GIF87a") || startsWith(file, "GIF89a"); }
 bool takesPsd(ImageBytes const& file) { return startsWith(file, "8BPS"); }
-bool takesHdr(ImageBytes const& file) { return startsWith(file, "#?RADIANCE\n") || startsWith(file, "#?RGBE\n"); }
+bool takesHdr(ImageBytes const& file) {
+  return startsWith(file, "#?RADIANCE\n") || startsWith(file, "#?RGBE\n");
+}
 bool takesPnm(ImageBytes const& file) {
   return (startsWith(file, "P5") || startsWith(file, "P6")) && file.size() > 2 && std::isspace(file[2]);
 }
@@ -122,8 +125,8 @@ bool takesTga(ImageBytes const& file) {
   return file.size() > 18 && stbi__tga_test(&context);
 }
 
-// What a byte stands for at most: a pixel of one bit becomes four bytes; a run takes two to five bytes for 128
-// pixels; a code of 12 bits a string of up to 4096 pixels.
+// What a byte stands for at most: a pixel of one bit becomes four bytes; a run takes two to five bytes for
+// 128 pixels; a code of 12 bits a string of up to 4096 pixels.
 std::string decodeBmp(ImageBytes const& file, SbImage& image) { return decode(file, 32, image); }
 std::string decodePsd(ImageBytes const& file, SbImage& image) { return decode(file, 256, image); }
 std::string decodeGif(ImageBytes const& file, SbImage& image) { return decode(file, 16384, image); }

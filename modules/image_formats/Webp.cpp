@@ -19,7 +19,8 @@ std::string decodeWebp(ImageBytes const& file, SbImage& image) {
   int const components = features.has_alpha ? 4 : 3;
   // The largest image of the format takes less than a gigabyte, and one colour everywhere a few bytes.
   constexpr std::size_t RATIO = std::size_t(1) << 24;
-  std::string const reason = SbCheckImageSize(features.width, features.height, components, file.size(), RATIO);
+  std::string const reason =
+      SbCheckImageSize(features.width, features.height, components, file.size(), RATIO);
   if (!reason.empty()) return reason;
   std::size_t const rowBytes = static_cast<std::size_t>(features.width) * components;
   ImageBytes pixels(rowBytes * features.height);

@@ -11,7 +11,7 @@ SbImageReader::Codec const CODECS[] = {
     {"TGA", takesTga, decodeTga},
 };
 
-}  // namespace
+} // namespace
 
 extern "C" {
 

@@ -135,7 +135,8 @@ TEST(CopyGraph, FieldsAndPathsLeadIntoTheCopy) {
   SoRef<SoPath> const path(new SoPath(root));
   path->append(1);
   pointer->path.setValue(path);
-  SoRef<SoSeparator> const copy = copyOf(root.get());
+  // The path in the copy holds its head.
+  SoRef<SoSeparator> const copy(static_cast<SoSeparator*>(root->copy()));
   auto* const copied = static_cast<Pointer*>(copy->getChild(0));
   EXPECT_EQ(copied->node.getValue(), copy->getChild(1));
   EXPECT_EQ(copied->nodes[0], copy->getChild(1));
@@ -152,6 +153,7 @@ TEST(CopyGraph, FieldsAndPathsLeadIntoTheCopy) {
   EXPECT_EQ(alone->path.getValue(), path.get());
   EXPECT_NE(alone->node.getValue(), cube);
   pointer->path.setValue(nullptr);
+  copied->path.setValue(nullptr);
 }
 
 TEST(CopyGraph, KitsKeepTheirPartsInPlace) {

@@ -161,10 +161,11 @@ TEST(DraggersLife, IsWrittenWithoutItsHandles) {
     dragger->setPlacement(placement);
     std::string const text = io_test::writeText(dragger);
     EXPECT_EQ(text.find("DraggerHandle"), std::string::npos) << text;
-    SoRef<SoNode> const read(readText(text));
+    // A file's only node comes back below a group.
+    SoRef<SoNode> const file(readText(text));
+    SoNode* const read = file && file->getChildren()->getLength() == 1 ? (*file->getChildren())[0] : nullptr;
     ASSERT_TRUE(read && read->getTypeId() == type) << text;
-    EXPECT_TRUE(isNear(static_cast<SoDragger*>(read.get())->getPlacement(), dragger->getPlacement(), 0))
-        << text;
+    EXPECT_TRUE(isNear(static_cast<SoDragger*>(read)->getPlacement(), dragger->getPlacement(), 0)) << text;
   }
 }
 

@@ -1,5 +1,6 @@
 // Timers, the clock, and the engines that follow it.
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 
@@ -286,5 +287,7 @@ TEST(EnginesGlobal, FieldsHaveNamesInTheProgram) {
   EXPECT_TRUE(cube->width.isConnected());
   wind->setValue(9);
   EXPECT_EQ(cube->width.getValue(), 9) << "whoever follows keeps it";
-  EXPECT_EQ(SoGlobalField::getNames(), (std::vector<SbName>{SbName("realTime")}));
+  std::vector<SbName> const names = SoGlobalField::getNames();
+  EXPECT_EQ(std::count(names.begin(), names.end(), name), 0);
+  EXPECT_EQ(std::count(names.begin(), names.end(), SbName("realTime")), 1);
 }

@@ -68,7 +68,7 @@ TEST(FieldsConversion, ConnectionsConvert) {
            {"SFName", "wheel", "SFString", "\"wheel\""},
            {"SFString", "\"a b\"", "MFString", "\"a b\""},
            {"MFString", "[ \"a b\", c ]", "SFString", "\"a b\""},
-           {"MFFloat", "[ 1, 2.5 ]", "MFString", "[ \"1\", \"2.5\" ]"},
+           {"MFFloat", "[ 1, 2.5 ]", "MFString", "[\n  \"1\",\n  \"2.5\"\n]"},
            {"MFString", "[ \"1\", \"2.5\" ]", "MFFloat", "[ 1, 2.5 ]"},
            {"SFRotation", "0 0.6 0.8 1", "MFRotation", "0 0.6 0.8 1"},
            {"MFRotation", "[ 0 0.6 0.8 1, 1 0 0 2 ]", "SFRotation", "0 0.6 0.8 1"},

@@ -127,7 +127,8 @@ void changeAll(SoFieldContainer& container) {
     if (field.getFieldType() == SoField::EVENT_OUT || field.getFieldType() == SoField::PRIVATE) continue;
     EXPECT_TRUE(change(field)) << container.getTypeId().getName().c_str() << "." << field.getName().c_str()
                                << " " << field.getTypeId().getName().c_str();
-    if (i % 3 == 1) field.setIgnored(true);
+    // A text can not say of a trigger that it was set and is ignored.
+    if (i % 3 == 1 && field.getTypeId().getName().str() != "SFTrigger") field.setIgnored(true);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <charconv>
 #include <random>
 
 #include "kestrava/base/SoCpuBufferObject.h"
@@ -171,6 +172,12 @@ TEST(FieldText, RealsAreReadExactlyAndWrittenShortest) {
     float back = 0;
     ASSERT_TRUE(SoValueFromText(text.c_str(), back)) << text;
     ASSERT_EQ(std::bit_cast<std::uint32_t>(back), std::bit_cast<std::uint32_t>(value)) << text;
+  }
+  for (int i = -900'000; i <= 900'000; ++i) {
+    float const value = static_cast<float>(i) / 8;
+    char shortest[32];
+    std::string_view const expected(shortest, std::to_chars(shortest, shortest + 32, value).ptr);
+    ASSERT_EQ(SoValueToText(value).str(), expected);
   }
   // Digits as people and programs write them: at most one rounding.
   for (int i = 0; i < 200'000; ++i) {

@@ -4,6 +4,7 @@
 #include "draggers_helpers.h"
 #include "kestrava/actions/SoCallbackAction.h"
 #include "kestrava/base/SoPath.h"
+#include "kestrava/draggers/SoSpotLightDragger.h"
 #include "kestrava/draggers/SoTranslate1Dragger.h"
 #include "kestrava/kits/SoShapeKit.h"
 #include "kestrava/nodes/SoClipPlaneManip.h"
@@ -184,19 +185,21 @@ TEST(Manips, AreDraggedAroundWhatTheyMove) {
 
 TEST(Manips, TurnAboutTheMiddleOfWhatTheyMove) {
   Rig rig(
-      "DEF d TransformBoxManip { } Translation { translation 0.5 0.2 0 } Cube { width 1 height 1 depth 1 }");
+      "Rotation { rotation 0 1 0 0.5 } DEF d TransformBoxManip { } Translation { translation 0.5 0.2 0 } "
+      "Cube { width 1 height 1 depth 1 }");
+  SbMatrix const above = matrixAbove(rig.root, rig.get<SoNode>());
   SbVec3f const middle(0.5f, 0.2f, 0), edge(0.51f, 0.51f, 0);
-  SbVec3f const turned = SbRotation(SbVec3f(0, 0, 1), 0.785398f).multVec(edge);
-  ASSERT_TRUE(rig.drag(rig.pixelOf(middle + edge), rig.pixelOf(middle + turned)));
-  auto* const manip = rig.get<SoTransform>();
-  EXPECT_TRUE(manip->rotation.getValue().equals(SbRotation(SbVec3f(0, 0, 1), 0.785398f), 0.02f));
-  EXPECT_TRUE(boundsOf(rig.root).getCenter().equals(middle, 0.02f));
+  SbRotation const turn(SbVec3f(0, 0, 1), 0.785398f);
+  ASSERT_TRUE(rig.drag(rig.pixelOf(above.multVecMatrix(middle + edge)),
+                       rig.pixelOf(above.multVecMatrix(middle + turn.multVec(edge)))));
+  EXPECT_TRUE(rig.get<SoTransform>()->rotation.getValue().equals(turn, 0.03f));
+  EXPECT_TRUE(boundsOf(rig.root).getCenter().equals(above.multVecMatrix(middle), 0.02f));
 }
 
 TEST(Manips, LightsAndPlanesAreDragged) {
   {
     Rig rig("DEF d PointLightManip { location 0.5 0 0 }");
-    ASSERT_TRUE(rig.drag(rig.pixelOf(SbVec3f(0.5f, 0, 0)), rig.pixelOf(SbVec3f(-0.5f, 1, 0))));
+    ASSERT_TRUE(rig.drag(rig.pixelOf(SbVec3f(0.65f, 0.13f, 0)), rig.pixelOf(SbVec3f(-0.35f, 1.13f, 0))));
     EXPECT_TRUE(rig.get<SoPointLight>()->location.getValue().equals(SbVec3f(-0.5f, 1, 0), 1e-3f));
     rig.get<SoPointLight>()->location = SbVec3f(0, -1, 0);
     EXPECT_TRUE(rig.press(rig.pixelOf(SbVec3f(0, -1, 0))));
@@ -219,6 +222,25 @@ TEST(Manips, LightsAndPlanesAreDragged) {
     SbPlane const plane = rig.get<SoClipPlane>()->plane.getValue();
     EXPECT_TRUE(plane.equals(SbPlane(SbVec3f(1, 0, 0), -0.1f), 1e-3f));
   }
+}
+
+TEST(Manips, ACopyHasADraggerOfItsOwn) {
+  SoRef<SoSpotLightManip> manip(new SoSpotLightManip);
+  manip->location = SbVec3f(1, 2, 3);
+  SoRef<SoSpotLightManip> const copy(static_cast<SoSpotLightManip*>(manip->copy(false)));
+  ASSERT_TRUE(copy && copy->getDragger());
+  EXPECT_NE(copy->getDragger(), manip->getDragger());
+  SoPlacement placement = copy->getDragger()->getPlacement();
+  EXPECT_TRUE(placement.translation.equals(SbVec3f(1, 2, 3), 0));
+  manip.reset();
+  placement.translation = SbVec3f(4, 5, 6);
+  placement.angle = 0.3f;
+  copy->getDragger()->setPlacement(placement);
+  EXPECT_TRUE(copy->location.getValue().equals(SbVec3f(4, 5, 6), 0));
+  EXPECT_FLOAT_EQ(copy->cutOffAngle.getValue(), 0.3f);
+  // The cone has followed.
+  auto* const dragger = static_cast<SoSpotLightDragger*>(copy->getDragger());
+  EXPECT_LT(boundsOf(dragger->beam.getValue()).getMax()[0], 0.4f);
 }
 
 TEST(Manips, TakeAnyDragger) {

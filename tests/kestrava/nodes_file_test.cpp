@@ -17,8 +17,7 @@ using io_test::TemporaryFolder;
 
 namespace {
 
-template <class T>
-std::vector<T*> nodesOf(SoNode* root) {
+template <class T> std::vector<T*> nodesOf(SoNode* root) {
   SoSearchAction search;
   search.setType(T::getClassTypeId());
   search.setInterest(SoSearchAction::ALL);
@@ -30,7 +29,7 @@ std::vector<T*> nodesOf(SoNode* root) {
 
 std::string scene(std::string const& inside) { return std::string(HEADER) + "Separator { " + inside + " }"; }
 
-}  // namespace
+} // namespace
 
 TEST(NodesFileReferences, BesideTheIncludingFileComesBeforeTheSearchPath) {
   TemporaryFolder const folder;
@@ -70,7 +69,8 @@ TEST(NodesFileReferences, EveryKindOfBadReferenceIsOneErrorThatNamesBothFiles) {
   for (auto const& [name, reason] : cases) {
     bool const isSelf = reason == "includes itself";
     // Twice, and told once: the second node finds what the first one has found.
-    std::string const outer = folder.write(isSelf ? "linked.kv" : "outer.kv", scene("Cube { } File { name " + name + " }"));
+    std::string const outer =
+        folder.write(isSelf ? "linked.kv" : "outer.kv", scene("Cube { } File { name " + name + " }"));
     ReadErrors errors;
     SoRef<SoNode> const root = io_test::readFile(outer);
     ASSERT_TRUE(root) << name;
@@ -109,7 +109,8 @@ TEST(NodesFileReferences, InlinesKnowWhereTheyStemFromAndDoNotLoadThemselves) {
   ASSERT_TRUE(root);
   SoWWWInline::setFetchURLCallBack([](SbString const& url, void*, SoWWWInline* node) {
     SbString name;
-    if (SoRef<SoNode> const contents = SoDB::readIncluded(url, node->getIncluders(), name)) node->setChildData(contents);
+    if (SoRef<SoNode> const contents = SoDB::readIncluded(url, node->getIncluders(), name))
+      node->setChildData(contents);
   });
   auto const inlines = nodesOf<SoWWWInline>(root);
   ASSERT_EQ(inlines.size(), 2u);

@@ -23,7 +23,7 @@ class WatchedInput : public SoInput {
   std::vector<double> percents;
 };
 
-}  // namespace
+} // namespace
 
 TEST_F(ForeignFiles, AreIncludedBySceneFilesWithWhatLiesBesideThem) {
   TemporaryFolder const folder;
@@ -48,7 +48,8 @@ TEST_F(ForeignFiles, CompressedInMemoryAndUnnamedOnesAreRead) {
   ASSERT_EQ(std::system(("gzip -k '" + folder / "square.ply" + "'").c_str()), 0);
   std::filesystem::copy(MODELS + "square.ply", folder / "nameless");
   SoInput::addInMemoryTextFile("memory/square.ply", SbString(fileText(MODELS + "square.ply")));
-  for (std::string const& name : {folder / "square.ply.gz", folder / "nameless", std::string("memory/square.ply")}) {
+  for (std::string const& name :
+       {folder / "square.ply.gz", folder / "nameless", std::string("memory/square.ply")}) {
     SoRef<SoNode> const root = io_test::readFile(name);
     ASSERT_TRUE(root) << name;
     EXPECT_TRUE(hasBounds(root, SbVec3f(0, 0, 0), SbVec3f(1, 1, 0))) << name;
@@ -92,7 +93,8 @@ TEST_F(ForeignFiles, WhatCanNotBeReadIsOneErrorWithNameAndReason) {
     EXPECT_NE(errors.texts[0].find(c.reason), std::string::npos) << errors.texts[0];
     EXPECT_EQ(errors.texts[0].find('\n'), std::string::npos);
   }
-  std::string const outer = folder.write("outer.kv", std::string(HEADER) + "Separator { File { name cut.stl } }");
+  std::string const outer =
+      folder.write("outer.kv", std::string(HEADER) + "Separator { File { name cut.stl } }");
   ReadErrors errors;
   ASSERT_TRUE(io_test::readFile(outer));
   ASSERT_EQ(errors.texts.size(), 1u);
@@ -115,7 +117,8 @@ TEST_F(ForeignFiles, ModelsNestedDeepDoNotExhaustTheStack) {
     nodes += i + 1 < DEPTH ? "{\"children\":[" + std::to_string(i + 1) + "]},\n" : "{\"name\":\"lowest\"}";
   }
   std::string const chain = folder.write(
-      "chain.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[)" + nodes + "]}");
+      "chain.gltf",
+      R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[)" + nodes + "]}");
   SoRef<SoNode> const root = io_test::readFile(chain);
   ASSERT_TRUE(root);
   EXPECT_EQ(pathsTo<SoGroup>(root, "lowest").size(), 1u);
@@ -135,13 +138,14 @@ TEST_F(ForeignFiles, DamagedModelsAreReadOrRefused) {
   auto const stop = std::chrono::steady_clock::now() + std::chrono::seconds(40);
   int refused = 0, read = 0;
   for (int round = 0; round < 40; ++round) {
-    for (char const* name : {"quads.gltf", "quads.glb", "house.obj", "corner.stl", "corner-binary.stl", "square.ply",
-                             "square-binary.ply", "tower.dae", "sail.fbx", "house.mtl"}) {
+    for (char const* name : {"quads.gltf", "quads.glb", "house.obj", "corner.stl", "corner-binary.stl",
+                             "square.ply", "square-binary.ply", "tower.dae", "sail.fbx", "house.mtl"}) {
       if (std::chrono::steady_clock::now() > stop) break;
       std::string text = fileText(MODELS + name);
       if (round % 3 == 0) text.resize(random() % text.size());
       for (unsigned i = 0; i < random() % 6 && !text.empty(); ++i) {
-        text[random() % text.size()] = static_cast<char>(random() % 2 ? random() : "0919-{}[]\"<>"[random() % 12]);
+        text[random() % text.size()] =
+            static_cast<char>(random() % 2 ? random() : "0919-{}[]\"<>"[random() % 12]);
       }
       std::string const path = folder.write(std::string("models/") + name, text);
       bool const isPart = std::string(name) == "house.mtl";

@@ -38,8 +38,7 @@ inline SoRef<SoNode> readModel(std::string const& name) {
 }
 
 /// All paths to nodes of a class, hidden ones included.
-template <class T>
-std::vector<SoRef<SoPath>> pathsTo(SoNode* root, SbName const& name = SbName()) {
+template <class T> std::vector<SoRef<SoPath>> pathsTo(SoNode* root, SbName const& name = SbName()) {
   SoSearchAction search;
   search.setType(T::getClassTypeId());
   search.setName(name);
@@ -50,8 +49,7 @@ std::vector<SoRef<SoPath>> pathsTo(SoNode* root, SbName const& name = SbName()) 
 }
 
 /// The different nodes of a class, in order of appearance.
-template <class T>
-std::vector<T*> nodesOf(SoNode* root, SbName const& name = SbName()) {
+template <class T> std::vector<T*> nodesOf(SoNode* root, SbName const& name = SbName()) {
   std::vector<T*> nodes;
   for (auto const& path : pathsTo<T>(root, name)) {
     auto* const node = static_cast<T*>(path->getTail());
@@ -68,8 +66,8 @@ inline SbMatrix matrixAt(SoPath* path) {
 
 inline ::testing::AssertionResult isNear(SbVec3f const& a, SbVec3f const& b, float tolerance = 1e-4f) {
   if ((a - b).length() <= tolerance) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << a[0] << " " << a[1] << " " << a[2] << " is not " << b[0] << " " << b[1]
-                                       << " " << b[2];
+  return ::testing::AssertionFailure()
+         << a[0] << " " << a[1] << " " << a[2] << " is not " << b[0] << " " << b[1] << " " << b[2];
 }
 
 inline ::testing::AssertionResult hasBounds(SoNode* root, SbVec3f const& min, SbVec3f const& max) {
@@ -79,4 +77,4 @@ inline ::testing::AssertionResult hasBounds(SoNode* root, SbVec3f const& min, Sb
   return low ? isNear(action.getBoundingBox().getMax(), max) : low;
 }
 
-}  // namespace model_test
+} // namespace model_test

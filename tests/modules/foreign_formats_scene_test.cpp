@@ -51,7 +51,7 @@ std::string hueAt(SbImage const& image, float x, float y) {
   return p[0] > p[1] && p[0] > p[2] ? "r" : p[1] > p[2] ? "g" : "b";
 }
 
-}  // namespace
+} // namespace
 
 TEST_F(ForeignScene, GltfKeepsHierarchySharingAndPlaces) {
   for (char const* name : {"quads.gltf", "quads.glb"}) {
@@ -171,7 +171,8 @@ TEST_F(ForeignScene, ObjKeepsPolygonsLinesAndMaterials) {
   std::vector<std::int32_t> const gable{0, 1, 2, 3, 4, -1};
   auto const given = faces[0]->coordIndex.values();
   EXPECT_EQ(std::vector<std::int32_t>(given.begin(), given.end()), gable);
-  EXPECT_EQ(nodesOf<SoShapeHints>(root).at(0)->faceType.getValue(), SoShapeHints::UNKNOWN_FACE_TYPE) << "concave";
+  EXPECT_EQ(nodesOf<SoShapeHints>(root).at(0)->faceType.getValue(), SoShapeHints::UNKNOWN_FACE_TYPE)
+      << "concave";
   EXPECT_EQ(verticesOf(faces[1]).vertex.getNum(), 8) << "corners are shared again";
   auto const lines = nodesOf<SoIndexedLineSet>(root);
   ASSERT_EQ(lines.size(), 1u);
@@ -197,7 +198,8 @@ TEST_F(ForeignScene, TextAndBinaryFormsAreTheSame) {
     EXPECT_TRUE(left->coordIndex.isSame(right->coordIndex)) << text;
     EXPECT_TRUE(verticesOf(left).fieldsAreEqual(verticesOf(right))) << text;
   }
-  SoRef<SoNode> const stl = readModel("corner.stl"), ply = readModel("square.ply"), points = readModel("points.ply");
+  SoRef<SoNode> const stl = readModel("corner.stl"), ply = readModel("square.ply"),
+                      points = readModel("points.ply");
   EXPECT_TRUE(hasBounds(stl, SbVec3f(0, 0, 0), SbVec3f(1, 1, 1)));
   auto const& normals = verticesOf(nodesOf<SoIndexedFaceSet>(stl).at(0)).normal;
   EXPECT_TRUE(isNear(normals[normals.getNum() - 1], SbVec3f(1, 1, 1) * (1 / std::sqrt(3.0f))));

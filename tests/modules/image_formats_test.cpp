@@ -13,7 +13,9 @@ using Bytes = std::vector<unsigned char>;
 
 class ImageFormats : public ::testing::Test {
  protected:
-  static void SetUpTestSuite() { ASSERT_TRUE(SoModuleTool::initModule("image_formats")) << "it is not built"; }
+  static void SetUpTestSuite() {
+    ASSERT_TRUE(SoModuleTool::initModule("image_formats")) << "it is not built";
+  }
   static void TearDownTestSuite() { SoModuleTool::finishModule("image_formats"); }
 };
 
@@ -33,11 +35,14 @@ Bytes text(std::string const& characters) { return Bytes(characters.begin(), cha
 // Each is 2 x 2: red and green above, blue and white below.
 Bytes tga() { return fromHex("000002000000000000000000020002001800") + fromHex("ff0000ffffff0000ff00ff00"); }
 Bytes packedTga() {
-  return fromHex("00000a000000000000000000020002001800") + fromHex("01ff0000ffffff") + fromHex("010000ff00ff00");
+  return fromHex("00000a000000000000000000020002001800") + fromHex("01ff0000ffffff") +
+         fromHex("010000ff00ff00");
 }
 Bytes bmp() {
-  return fromHex("424d460000000000000036000000280000000200000002000000010018000000000010000000000000000000000000000000"
-                 "00000000") +
+  return fromHex(
+             "424d4600000000000000360000002800000002000000020000000100180000000000100000000000000000000000000"
+             "00000"
+             "00000000") +
          fromHex("ff0000ffffff0000") + fromHex("0000ff00ff000000");
 }
 Bytes psd() {
@@ -51,12 +56,13 @@ Bytes gif() {
 }
 Bytes ppm() { return text("P6\n# made by hand\n2 2\n255\n") + fromHex("ff000000ff000000ffffffff"); }
 Bytes webp() {
-  return fromHex("524946462a000000574542505650384c1d0000002f01400000"
-                 "1f10908220ffe3d1cf7f003404024944ff8388fe4701");
+  return fromHex(
+      "524946462a000000574542505650384c1d0000002f01400000"
+      "1f10908220ffe3d1cf7f003404024944ff8388fe4701");
 }
 Bytes hdr() {
-  return text("#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 2 +X 2\n") +
-         fromHex("8000008100800081") + fromHex("0000808180808081");
+  return text("#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 2 +X 2\n") + fromHex("8000008100800081") +
+         fromHex("0000808180808081");
 }
 
 std::string hues(SbImage const& image) {
@@ -71,11 +77,12 @@ std::string hues(SbImage const& image) {
   return result;
 }
 
-}  // namespace
+} // namespace
 
 TEST_F(ImageFormats, PixelsStandWhereTheyStandInTheFile) {
-  std::pair<char const*, Bytes> const files[] = {{"tga", tga()}, {"packed tga", packedTga()}, {"bmp", bmp()},
-                                                 {"psd", psd()}, {"ppm", ppm()},              {"hdr", hdr()}};
+  std::pair<char const*, Bytes> const files[] = {{"tga", tga()}, {"packed tga", packedTga()},
+                                                 {"bmp", bmp()}, {"psd", psd()},
+                                                 {"ppm", ppm()}, {"hdr", hdr()}};
   for (auto const& [name, file] : files) {
     SbImage image;
     EXPECT_EQ(SbImageReader::read(file, image), "") << name;
@@ -129,7 +136,8 @@ TEST_F(ImageFormats, DamagedFilesAreReadOrRefused) {
   int refused = 0;
   for (int round = 0; round < 4000; ++round) {
     Bytes file = files[static_cast<std::size_t>(round) % std::size(files)];
-    for (unsigned i = 0; i < 1 + random() % 4; ++i) file[random() % file.size()] = static_cast<unsigned char>(random());
+    for (unsigned i = 0; i < 1 + random() % 4; ++i)
+      file[random() % file.size()] = static_cast<unsigned char>(random());
     if (random() % 3 == 0) file.resize(random() % file.size());
     SbImage image;
     refused += !SbImageReader::read(file, image).empty();

@@ -14,9 +14,16 @@ TEST(DraggersLook, HandlesAreSeenAndShowThatTheyAreDragged) {
   Picture const pointedAt(root);
   handle->setLook(SoDraggerHandle::ACTIVE);
   Picture const active(root);
+  // From bluish to yellow.
+  auto const warmth = [](Picture const& picture) {
+    SbImage const& image = picture.image();
+    unsigned char const* const pixel = image.getBytes() + (50 * 100 + 75) * image.getNumComponents();
+    return pixel[0] - pixel[2];
+  };
   EXPECT_GT(normal.brightness(1, 0), 100);
-  EXPECT_GT(pointedAt.brightness(1, 0), normal.brightness(1, 0) + 20);
-  EXPECT_GT(active.brightness(1, 0), pointedAt.brightness(1, 0) + 20);
+  EXPECT_LT(warmth(normal), -50);
+  EXPECT_GT(warmth(pointedAt), warmth(normal) + 50);
+  EXPECT_GT(warmth(active), warmth(pointedAt) + 50);
   EXPECT_EQ(active.brightness(1, 0.3f), 0);
 }
 

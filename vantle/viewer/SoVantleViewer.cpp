@@ -188,8 +188,11 @@ void SoVantleViewer::setScene(SoNode* root, bool clear) {
 
 void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s position) {
   SoSceneManager* const manager = VntServices::getInstance()->getSceneManager();
-  SoNode* const root = manager ? manager->getSceneGraph() : m_selection.get();
+  SoNode* root = manager ? manager->getSceneGraph() : m_selection.get();
   if (!root) return;
+  // The tree cuts the way to what was found behind its first selection node: that is to be the inspector's own, not
+  // one of the host's.
+  if (m_selection->findChild(root) >= 0) root = m_selection;
   SoTreeViewItem const* const before = m_treeView->currentItem();
   m_mode = 1;
   m_treeView->setPickAction(region, position, root);
