@@ -308,9 +308,21 @@ void SoLineHighlightRenderAction::drawMark() {
 }
 
 void SoBoxHighlightRenderAction::gather(SoPath& path, Mark& mark) {
-  SoGetBoundingBoxAction action(getViewportRegion());
+  // Around what is there, not around boxes of boxes: these grow with every turn on the way.
+  SbBox3f box;
+  SoCallbackAction action(getViewportRegion());
+  auto const extend = [](void* data, SoCallbackAction* walk, auto const&... corners) {
+    (static_cast<SbBox3f*>(data)->extendBy(walk->getModelMatrix().multVecMatrix(corners.point)), ...);
+  };
+  action.addTriangleCallback(SoShape::getClassTypeId(), extend, &box);
+  action.addLineSegmentCallback(SoShape::getClassTypeId(), extend, &box);
+  action.addPointCallback(SoShape::getClassTypeId(), extend, &box);
   action.apply(&path);
-  SbBox3f const& box = action.getBoundingBox();
+  if (box.isEmpty()) {  // texts in the plane of the screen have no primitives
+    SoGetBoundingBoxAction bounds(getViewportRegion());
+    bounds.apply(&path);
+    box = bounds.getBoundingBox();
+  }
   if (box.isEmpty()) return;
   auto const corner = [&box](int i) {
     return SbVec3f(i & 1 ? box.getMax()[0] : box.getMin()[0], i & 2 ? box.getMax()[1] : box.getMin()[1],

@@ -112,6 +112,17 @@ TEST(ActionsTraversal, AlongAPathOnlyWhatChangesTheStateIsVisitedBeside) {
   EXPECT_EQ(shapesMet(nullptr, whole), "a1 b2 c2 d2 e2 ");
 }
 
+TEST(ActionsTraversal, TheMatrixOfWhatIsNotShownIsThatOfItsPath) {
+  SoRef<SoNode> const root = readText(
+      "Separator { Translation { translation 1 0 0 } Switch { whichChild 0 Translation { translation 9 0 0 } LOD { "
+      "range [ 5 ] Cube {} Separator { Translation { translation 2 0 0 } Cube {} } } } }");
+  SoRef<SoPath> const path(new SoPath(root));
+  for (int child : {1, 1, 1, 1}) ASSERT_TRUE(path->append(child));
+  SoGetMatrixAction matrix;
+  matrix.apply(path);
+  EXPECT_EQ(matrix.getMatrix()[3][0], 3);
+}
+
 TEST(ActionsTraversal, CallbacksPruneAbortAndSeeThePath) {
   SoRef<SoNode> const root =
       readText("Separator { Group { DEF a Cube {} } Separator { DEF b Cube {} } DEF c Cube {} }");
