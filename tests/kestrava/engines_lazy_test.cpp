@@ -11,7 +11,7 @@
 
 using namespace node_test;
 
-namespace {
+namespace engines_lazy_test {
 
 /// Adds one, and counts how often it does and how many of its kind there are.
 class Successor : public SoEngine {
@@ -30,7 +30,9 @@ class Successor : public SoEngine {
   }
 };
 
-} // namespace
+} // namespace engines_lazy_test
+
+using engines_lazy_test::Successor;
 
 TEST(EnginesLazy, ComputeOnceWhenSomebodyReads) {
   SoRef<SoCube> const cube(new SoCube), follower(new SoCube);
