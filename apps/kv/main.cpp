@@ -10,6 +10,7 @@
 #include "apps/kv/SceneStatistics.h"
 #include "kestrava/base/SbFileHelper.h"
 #include "kestrava/base/SoModuleTool.h"
+#include "kestrava/base/SoReadError.h"
 #include "kestrava/io/SoDB.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/io/SoOutput.h"
@@ -131,12 +132,18 @@ int info(char const* file, bool json) {
   return written ? OK : FAULT;
 }
 
+/// Faults of files that a file includes leave it readable, but not in order.
 int check(int count, char** files) {
-  int status = OK;
-  for (int i = 0; i < count; ++i) {
-    if (!Scene(files[i]).root) status = FAULT;
-  }
-  return status;
+  int faults = 0;
+  SoReadError::setHandlerCallback(
+      [](SoError const* error, void* data) {
+        ++*static_cast<int*>(data);
+        std::fprintf(stderr, "%s\n", error->getDebugString().c_str());
+      },
+      &faults);
+  for (int i = 0; i < count; ++i) Scene const scene(files[i]);
+  SoReadError::setHandlerCallback(nullptr);
+  return faults == 0 ? OK : FAULT;
 }
 
 enum class Form { AS_IT_WAS, ASCII, BINARY };

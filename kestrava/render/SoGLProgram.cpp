@@ -2,6 +2,8 @@
 
 #include <epoxy/gl.h>
 
+#include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "kestrava/base/SoError.h"
@@ -83,7 +85,8 @@ unsigned compile(unsigned kind, SoGLProgram::Source const& source, char const* s
   glGetShaderInfoLog(shader, sizeof log, nullptr, log);
   glDeleteShader(shader);
   if (!fault.empty()) fault += "\n";
-  fault += std::string("the ") + stage + " shader '" + source.name + "' does not compile: " + log;
+  fault += std::string("the ") + stage + " shader " + (source.name.empty() ? "" : "'" + source.name + "' ") +
+           "does not compile: " + log;
   return 0;
 }
 
@@ -190,36 +193,119 @@ SoGLProgram SoGLProgram::make(unsigned features, SoDrawShader const* own, std::v
   return program;
 }
 
+namespace {
+
+bool isSampler(unsigned type) {
+  if (type >= GL_UNSIGNED_INT_VEC2 && type <= GL_UNSIGNED_INT_VEC4) return false;
+  return (type >= GL_SAMPLER_1D && type <= GL_SAMPLER_2D_RECT_SHADOW) ||
+         (type >= GL_SAMPLER_1D_ARRAY && type <= GL_UNSIGNED_INT_SAMPLER_BUFFER);
+}
+
+/// Kind and components of what a variable takes, without values.
+SoUniformValue emptyValue(unsigned type) {
+  using V = SoUniformValue;
+  auto const of = [](V::Kind kind, int components) {
+    V value;
+    value.kind = kind;
+    value.components = components;
+    return value;
+  };
+  switch (type) {
+    case GL_FLOAT: return of(V::FLOATS, 1);
+    case GL_FLOAT_VEC2: return of(V::FLOATS, 2);
+    case GL_FLOAT_VEC3: return of(V::FLOATS, 3);
+    case GL_FLOAT_VEC4: return of(V::FLOATS, 4);
+    case GL_INT:
+    case GL_BOOL:
+    case GL_UNSIGNED_INT: return of(V::INTEGERS, 1);
+    case GL_INT_VEC2:
+    case GL_BOOL_VEC2: return of(V::INTEGERS, 2);
+    case GL_INT_VEC3:
+    case GL_BOOL_VEC3: return of(V::INTEGERS, 3);
+    case GL_INT_VEC4:
+    case GL_BOOL_VEC4: return of(V::INTEGERS, 4);
+    case GL_FLOAT_MAT3:
+    case GL_FLOAT_MAT4: return of(V::MATRICES, 16);
+    case GL_SAMPLER_2D:
+    case GL_SAMPLER_3D: return of(V::IMAGE, 1);
+    default: return of(V::NONE, 0);
+  }
+}
+
+/// What the elements of a variable hold.
+SoUniformValue valueOf(unsigned program, SoGLProgram::Variable const& variable) {
+  SoUniformValue value = emptyValue(variable.type);
+  for (int const location : variable.locations) {
+    float floats[16] = {};
+    int integers[4] = {};
+    switch (value.kind) {
+      case SoUniformValue::MATRICES:
+      case SoUniformValue::FLOATS:
+        if (location >= 0) glGetUniformfv(program, location, floats);
+        // Matrices are kept whole.
+        for (int column = 2; variable.type == GL_FLOAT_MAT3 && column >= 0; --column) {
+          for (int row = 3; row >= 0; --row) floats[4 * column + row] = row < 3 ? floats[3 * column + row] : 0;
+        }
+        value.floats.insert(value.floats.end(), floats, floats + value.components);
+        break;
+      case SoUniformValue::INTEGERS:
+        if (location >= 0) glGetUniformiv(program, location, integers);
+        value.integers.insert(value.integers.end(), integers, integers + value.components);
+        break;
+      default: break;
+    }
+  }
+  return value;
+}
+
+}  // namespace
+
 /// With the program in use: enters the variables and gives each sampler a unit of its own, as samplers of two
 /// kinds must not share one.
 void SoGLProgram::findVariables() {
-  int count = 0, unit = FIRST_OWN_UNIT;
+  int count = 0, unit = FIRST_OWN_UNIT, longest = 0;
   glGetProgramiv(m_name, GL_ACTIVE_UNIFORMS, &count);
+  glGetProgramiv(m_name, GL_ACTIVE_UNIFORM_MAX_LENGTH, &longest);
+  std::string text(static_cast<size_t>(std::max(longest, 1)), '\0');
   for (int i = 0; i < count; ++i) {
-    char text[256] = "";
     Variable variable{};
-    glGetActiveUniform(m_name, static_cast<unsigned>(i), sizeof text, nullptr, &variable.size, &variable.type, text);
-    std::string name = text;
-    variable.location = glGetUniformLocation(m_name, text);
-    if (variable.location < 0 || name.starts_with("ks")) continue;
-    bool const isSampler = variable.type == GL_SAMPLER_2D || variable.type == GL_SAMPLER_3D;
-    if (isSampler && unit < FIRST_OWN_UNIT + MAX_OWN_UNITS) {
-      variable.unit = unit++;
-      glUniform1i(variable.location, variable.unit);
-    }
+    int size = 0;
+    glGetActiveUniform(m_name, static_cast<unsigned>(i), longest, nullptr, &size, &variable.type, text.data());
+    std::string name = text.c_str();
+    int const location = glGetUniformLocation(m_name, name.c_str());
+    if (location < 0 || name.starts_with("ks")) continue;
     if (name.ends_with("[0]")) name.resize(name.size() - 3);
-    m_variables[name] = variable;
+    variable.locations.push_back(location);
+    for (int k = 1; k < size; ++k) {
+      variable.locations.push_back(glGetUniformLocation(m_name, (name + "[" + std::to_string(k) + "]").c_str()));
+    }
+    if (isSampler(variable.type) && unit + size <= FIRST_OWN_UNIT + MAX_OWN_UNITS) {
+      variable.unit = unit;
+      for (int const element : variable.locations) glUniform1i(element, unit++);
+    }
+    variable.initial = valueOf(m_name, variable);
+    m_variables[name] = std::move(variable);
   }
 }
 
-SoGLProgram::Variable const* SoGLProgram::getVariable(std::string const& name) const {
-  auto const known = m_variables.find(name.ends_with("[0]") ? name.substr(0, name.size() - 3) : name);
-  return known == m_variables.end() ? nullptr : &known->second;
+SoGLProgram::Place SoGLProgram::find(std::string const& name) const {
+  auto const known = m_variables.find(name);
+  if (known != m_variables.end()) return {&known->second, 0};
+  size_t const bracket = name.rfind('[');
+  if (bracket == std::string::npos || !name.ends_with(']')) return {nullptr, 0};
+  int element = -1;
+  char const *const first = name.data() + bracket + 1, *const last = name.data() + name.size() - 1;
+  auto const array = m_variables.find(name.substr(0, bracket));
+  auto const [end, error] = std::from_chars(first, last, element);
+  bool const isNumber = error == std::errc() && end == last && element >= 0;
+  if (array == m_variables.end() || !isNumber || element >= std::ssize(array->second.locations)) return {nullptr, 0};
+  return {&array->second, element};
 }
 
-SoGLProgram::Variable const* SoGLProgram::getVariable(int location) const {
+SoGLProgram::Place SoGLProgram::find(int location) const {
   for (auto const& [name, variable] : m_variables) {
-    if (variable.location == location) return &variable;
+    auto const element = std::find(variable.locations.begin(), variable.locations.end(), location);
+    if (element != variable.locations.end()) return {&variable, static_cast<int>(element - variable.locations.begin())};
   }
-  return nullptr;
+  return {nullptr, 0};
 }

@@ -117,6 +117,11 @@ TEST_F(KvTest, CheckReadsAllFiles) {
   EXPECT_EQ(outcome.errors, bad + ":3: expected a real number, found 'x'\n" + worse +
                                 ":2: expected '}' for the Cube of line 2, found the end of the file\n");
   EXPECT_EQ(kv("info " + bad).status, 1);
+  // What a file includes belongs to it.
+  std::string const includes = write("includes.kv", "File { name \"bad.kv\" } Cube { }");
+  Outcome const included = kv("check " + includes);
+  EXPECT_EQ(included.status, 1);
+  EXPECT_EQ(included.errors, bad + ":3: expected a real number, found 'x' (included by " + includes + ")\n");
   EXPECT_EQ(kv("check").status, 2);
   EXPECT_EQ(kv("nonsense " + good).status, 2);
 }
