@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "kestrava/sensors/SoSensorManager.h"
 
@@ -22,12 +23,9 @@ class Pump : public QObject {
     m_idle.setInterval(20);
     m_timers.setSingleShot(true);
     m_timers.setTimerType(Qt::PreciseTimer);
-    connect(&m_timers, &QTimer::timeout, this, [this] {
-      SoSensorManager::processTimerQueue();
-      startTimers();
-    });
-    connect(&m_next, &QTimer::timeout, this, [this] { work(false); });
-    connect(&m_idle, &QTimer::timeout, this, [this] { work(true); });
+    connect(&m_timers, &QTimer::timeout, this, [this] { work([] { SoSensorManager::processTimerQueue(); }); });
+    connect(&m_next, &QTimer::timeout, this, [this] { work([] { SoSensorManager::processDelayQueue(false); }); });
+    connect(&m_idle, &QTimer::timeout, this, [this] { work([] { SoSensorManager::processDelayQueue(true); }); });
     SoSensorManager::setQueueChangedCallback([this] {
       if (QThread::currentThread() == thread()) {
         startTimers();
@@ -37,14 +35,24 @@ class Pump : public QObject {
     });
     startTimers();
   }
-  ~Pump() override { SoSensorManager::setQueueChangedCallback(nullptr); }
+  ~Pump() override { stop(); }
+
+  /// For good. A callback that is being worked off may ask for it.
+  void stop() {
+    if (std::exchange(m_isStopped, true)) return;
+    SoSensorManager::setQueueChangedCallback(nullptr);
+    for (QTimer* timer : {&m_next, &m_idle, &m_timers}) timer->stop();
+  }
 
  private:
-  void work(bool isIdle) {
-    SoSensorManager::processDelayQueue(isIdle);
-    startTimers();
+  template <class Function> void work(Function const& function) {
+    // What is called may finish all this, from within an event loop of its own too.
+    QPointer<Pump> const self(this);
+    function();
+    if (self) startTimers();
   }
   void startTimers() {
+    if (m_isStopped) return;
     if (SoSensorManager::hasPending(false)) {
       if (!m_next.isActive()) m_next.start();
     } else if (SoSensorManager::hasPending(true) && !m_idle.isActive()) {
@@ -59,6 +67,7 @@ class Pump : public QObject {
     }
   }
   QTimer m_next, m_idle, m_timers;
+  bool m_isStopped = false;
 };
 
 QPointer<Pump>& pump() {
@@ -72,4 +81,9 @@ void SoQt::init(QWidget*) {
   if (!pump() && QCoreApplication::instance()) pump() = new Pump(QCoreApplication::instance());
 }
 
-void SoQt::finish() { delete pump(); }
+void SoQt::finish() {
+  if (!pump()) return;
+  pump()->stop();
+  pump()->deleteLater();
+  pump().clear();
+}

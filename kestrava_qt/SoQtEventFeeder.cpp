@@ -105,6 +105,13 @@ std::unique_ptr<SoEvent> wheel(QWheelEvent const& event) {
   return made;
 }
 
+std::unique_ptr<SoEvent> pointerElsewhere() {
+  auto made = std::make_unique<SoLocation2Event>();
+  made->position = SbVec2s(-1, -1);
+  made->time = SbTime::now();
+  return made;
+}
+
 } // namespace
 
 SbVec2s SoQtEventFeeder::toPixels(QPointF const& position, QWidget const& view) {
@@ -130,6 +137,8 @@ std::unique_ptr<SoEvent> SoQtEventFeeder::convert(QEvent const& event, QWidget c
     case QEvent::MouseMove:
       made = std::make_unique<SoLocation2Event>();
       break;
+    case QEvent::Leave:
+      return pointerElsewhere();
     case QEvent::Wheel:
       made = wheel(static_cast<QWheelEvent const&>(event));
       break;
@@ -157,7 +166,17 @@ std::unique_ptr<SoEvent> SoQtEventFeeder::convert(QEvent const& event, QWidget c
   return made;
 }
 
+void SoQtEventFeeder::leave() {
+  SoRef<SoSceneManager> const manager(m_manager);
+  if (!manager->getGrabber()) manager->processEvent(*pointerElsewhere());
+}
+
 bool SoQtEventFeeder::offer(QEvent const& event) {
+  // A drag goes on outside of the view, where moves tell of it.
+  if (event.type() == QEvent::Leave) {
+    leave();
+    return false;
+  }
   std::unique_ptr<SoEvent> const made = convert(event, *m_view, m_pointer);
   if (!made) return false;
   m_pointer = made->position;

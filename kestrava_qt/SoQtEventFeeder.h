@@ -20,6 +20,9 @@ class SoQtEventFeeder {
   /// the view, keys may come from any widget. Functions of the program that are called meanwhile may destroy
   /// this object.
   bool offer(QEvent const& event);
+  /// Tells the nodes that the pointer is over none of them, unless one of them grabs: a move to (-1, -1). A pointer
+  /// that leaves the view is told in the same way.
+  void leave();
 
   /// The same for a program with a view of its own: the event for a scene, null when there is none. Keys,
   /// which have no place, get the one that is given.

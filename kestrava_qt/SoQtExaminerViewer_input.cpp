@@ -62,7 +62,12 @@ void SoQtExaminerViewer::setViewing(bool on) {
   m_viewing = on;
   // Nodes may follow the pointer while no button is down.
   getViewWidget()->setMouseTracking(!on);
-  if (on) getSceneManager()->releaseGrab();
+  QPointer<SoQtExaminerViewer> const self(this);
+  if (on) {
+    getSceneManager()->releaseGrab();
+    if (self) tellPointerLeft();
+    if (!self) return;
+  }
   updateCursor();
   emit viewingChanged(on);
 }

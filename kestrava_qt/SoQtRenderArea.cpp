@@ -52,6 +52,10 @@ void SoQtRenderArea::setBackgroundColor(SbColor const& color) {
 
 bool SoQtRenderArea::offerToScene(QEvent const& event) { return getViewWidget() && m_feeder->offer(event); }
 
+void SoQtRenderArea::tellPointerLeft() {
+  if (getViewWidget()) m_feeder->leave();
+}
+
 bool SoQtRenderArea::eventFilter(QObject* object, QEvent* event) {
   bool const isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
   if (object != (isKey ? m_widget.data() : getViewWidget())) return false;

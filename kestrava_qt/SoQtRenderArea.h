@@ -39,6 +39,8 @@ class SoQtRenderArea : public QObject {
   /// Offers an event of the view, or a key of the widget, to the scene; true when it was handled there. This
   /// object may be gone afterwards.
   bool offerToScene(QEvent const& event);
+  /// Tells the scene that the pointer is over none of its nodes. This object may be gone afterwards.
+  void tellPointerLeft();
   bool eventFilter(QObject* object, QEvent* event) override;
   SoQtCanvas* getCanvas() const { return m_canvas.get(); }
 

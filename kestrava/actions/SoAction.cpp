@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "kestrava/actions/SoActionMethods.h"
 #include "kestrava/base/SoChildList.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoShape.h"
@@ -80,6 +81,18 @@ void SoAction::addMethod(SoType actionType, SoType nodeType, Method method) {
   std::lock_guard lock(r.mutex);
   r.methods[{actionType, nodeType}] = method;
   ++r.version;
+}
+
+SoAction::Method SoActionMethods::find(SoType actionType, SoType nodeType) {
+  Registry& r = registry();
+  std::lock_guard lock(r.mutex);
+  return resolve(r, actionType, nodeType);
+}
+
+int SoActionMethods::getVersion() {
+  Registry& r = registry();
+  std::lock_guard lock(r.mutex);
+  return r.version;
 }
 
 std::shared_ptr<SoAction::MethodTable const> SoAction::tableFor(SoType actionType) {

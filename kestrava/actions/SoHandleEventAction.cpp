@@ -74,6 +74,7 @@ void SoHandleEventAction::begin() {
     terminate();
     return;
   }
+  m_listeners.begin(!m_camera);
   if (!m_camera) return;
   m_cameraPath.reset();
   m_volume = m_camera->getViewVolume(getViewportRegion().getViewportAspectRatio());
@@ -95,8 +96,17 @@ void SoHandleEventAction::visit(SoNode* node) {
       return;
     }
     m_cameraPath.reset();
+    if (!m_listeners.isIn(node)) {
+      terminate();
+      return;
+    }
   }
-  bool const isCamera = node->isOfType(SoCamera::getClassTypeId());
+  SoEventListeners::Range range;
+  if (!getAppliedPath() && m_listeners.getRange(node, range)) {
+    if (range.first <= range.last) enterChildren(node, range.scoped, range.first, range.last);
+    return;
+  }
+  bool const isCamera = m_listeners.isCamera(node->getTypeId());
   if (isCamera && m_camera) return;
   SoStateAction::visit(node);
   if (!isCamera) return;

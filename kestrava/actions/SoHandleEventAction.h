@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "kestrava/actions/SoEventListeners.h"
 #include "kestrava/actions/SoPickedPoint.h"
 #include "kestrava/actions/SoStateAction.h"
 #include "kestrava/nodes/SoCamera.h"
@@ -11,7 +12,7 @@ class SoEvent;
 class SoRayPickAction;
 
 /// Offers an event to the nodes of a graph, in order, until one of them handles it. A node type that listens to
-/// events registers a method for this action.
+/// events registers a method for this action. What has no such node below it and does not matter to one is not visited.
 ///
 /// A node that grabs gets every further event alone, whatever the pointer is over: only its method is called, outside
 /// of any traversal (no path, default state; a grabber keeps the path and the matrices that it needs), until it
@@ -64,6 +65,7 @@ class SoHandleEventAction : public SoStateAction {
   SoRef<SoCamera> m_camera;
   SoRef<SoPath> m_cameraPath; // to the camera met last
   SoRef<SoNode> m_root;
+  SoEventListeners m_listeners;
   SoNode* m_grabber = nullptr;
   SoNodeSensor m_grabberSensor;
   SbViewVolume m_volume;

@@ -1,5 +1,8 @@
 #include "kestrava/base/SoAuditorList.h"
 
+#include <algorithm>
+#include <iterator>
+
 void SoAuditorList::append(void* auditor, Kind kind) {
   std::uintptr_t const entry = reinterpret_cast<std::uintptr_t>(auditor) | kind;
   if (m_value == 0) {
@@ -13,6 +16,36 @@ void SoAuditorList::append(void* auditor, Kind kind) {
   many()->push_back(entry);
 }
 
+namespace {
+
+/// Where the last entry was taken from a list: whoever releases many users of an object goes on beside it.
+struct LastPlace {
+  void const* list = nullptr;
+  std::size_t place = 0;
+};
+
+LastPlace& lastPlace(void const* list) {
+  static thread_local LastPlace places[16];
+  return places[reinterpret_cast<std::uintptr_t>(list) / 64 % std::size(places)];
+}
+
+/// The place of an entry, searched for from both ends and from the last place on in both directions.
+std::size_t findPlace(std::vector<std::uintptr_t> const& list, std::uintptr_t entry) {
+  std::size_t const length = list.size();
+  LastPlace& last = lastPlace(&list);
+  std::size_t const middle = last.list == &list ? std::min(last.place, length) : 0;
+  std::size_t found = length;
+  for (std::size_t step = 0; step < length && found == length; ++step) {
+    for (std::size_t const place : {length - 1 - step, step, middle + step, middle - 1 - step}) {
+      if (place < length && list[place] == entry) found = place;
+    }
+  }
+  last = {&list, found};
+  return found;
+}
+
+}  // namespace
+
 void SoAuditorList::remove(void* auditor, Kind kind) {
   std::uintptr_t const entry = reinterpret_cast<std::uintptr_t>(auditor) | kind;
   if (!isMany()) {
@@ -20,14 +53,10 @@ void SoAuditorList::remove(void* auditor, Kind kind) {
     return;
   }
   std::vector<std::uintptr_t>& list = *many();
-  for (std::size_t front = 0, back = list.size(); front < back; ++front) {
-    --back;
-    std::size_t const hit = list[front] == entry ? front : list[back] == entry ? back : list.size();
-    if (hit == list.size()) continue;
-    list[hit] = list.back();
-    list.pop_back();
-    break;
-  }
+  std::size_t const place = findPlace(list, entry);
+  if (place == list.size()) return;
+  list[place] = list.back();
+  list.pop_back();
   if (list.empty()) {
     delete &list;
     m_value = 0;

@@ -2,47 +2,64 @@
 
 #include <algorithm>
 #include <mutex>
-#include <unordered_map>
 #include <vector>
 
-/// Named objects. Unnamed objects never come here. Many may share a name: entering and leaving costs the same
-/// however many they are.
+#include "kestrava/base/SbNameEntry.h"
+
+/// Named objects, listed with their names. Unnamed objects never come here. Many may share a name: entering and
+/// leaving costs the same however many they are.
 struct SoNameDictionary {
-  struct Named {
-    std::vector<SoBase*> objects;  // the latest last; null where one has left
-    std::size_t count = 0;
-  };
-
-  static SoNameDictionary& instance() {
-    static SoNameDictionary& dictionary = *new SoNameDictionary;
-    return dictionary;
+  static std::mutex& mutex() {
+    static std::mutex& instance = *new std::mutex;
+    return instance;
   }
 
-  void enter(SoBase* object, SbName const& name) {
-    Named& named = byName[name];
-    object->m_nameSlot = static_cast<unsigned>(named.objects.size());
-    named.objects.push_back(object);
-    ++named.count;
+  static SbNameEntry& entryOf(SbName const& name) {
+    return const_cast<SbNameEntry&>(static_cast<SbNameEntry const&>(name.str()));
   }
 
-  void leave(SoBase* object, SbName const& name) {
-    auto const known = byName.find(name);
-    Named& named = known->second;
-    if (--named.count == 0) {
-      byName.erase(known);
+  static void enter(SoBase* object, SbName const& name) {
+    SbNameEntry& entry = entryOf(name);
+    object->m_nameSlot = 0;
+    if (!entry.many && !entry.only) {
+      entry.only = object;
       return;
     }
-    std::vector<SoBase*>& objects = named.objects;
+    if (!entry.many) entry.many = new SbNameEntry::Many{{std::exchange(entry.only, nullptr)}, 1};
+    object->m_nameSlot = static_cast<unsigned>(entry.many->objects.size());
+    entry.many->objects.push_back(object);
+    ++entry.many->count;
+  }
+
+  static void leave(SoBase* object, SbName const& name) {
+    SbNameEntry& entry = entryOf(name);
+    entry.only = nullptr;
+    if (!entry.many) return;
+    if (--entry.many->count == 0) {
+      delete std::exchange(entry.many, nullptr);
+      return;
+    }
+    std::vector<SoBase*>& objects = entry.many->objects;
     objects[object->m_nameSlot] = nullptr;
     while (!objects.back()) objects.pop_back();
-    if (objects.size() > 2 * named.count + 8) {
+    if (objects.size() > 2 * entry.many->count + 8) {
       std::erase(objects, nullptr);
       for (std::size_t i = 0; i < objects.size(); ++i) objects[i]->m_nameSlot = static_cast<unsigned>(i);
     }
   }
 
-  std::mutex mutex;
-  std::unordered_map<SbName, Named> byName;
+  /// The latest first, until the function answers true.
+  template <class Function>
+  static void search(SbName const& name, SoType type, Function const& isEnough) {
+    std::lock_guard lock(mutex());
+    SbNameEntry const& entry = entryOf(name);
+    if (entry.only && entry.only->isOfType(type)) isEnough(entry.only);
+    if (!entry.many) return;
+    std::vector<SoBase*> const& objects = entry.many->objects;
+    for (std::size_t i = objects.size(); i-- > 0;) {
+      if (objects[i] && objects[i]->isOfType(type) && isEnough(objects[i])) return;
+    }
+  }
 };
 
 SoType SoBase::getClassTypeId() {
@@ -90,33 +107,23 @@ SbName SoBase::toValidName(SbName const& name) {
 void SoBase::setName(SbName const& name) {
   SbName const valid = toValidName(name);
   if (valid == m_name) return;
-  SoNameDictionary& dictionary = SoNameDictionary::instance();
-  std::lock_guard lock(dictionary.mutex);
-  if (!m_name.empty()) dictionary.leave(this, m_name);
+  std::lock_guard lock(SoNameDictionary::mutex());
+  if (!m_name.empty()) SoNameDictionary::leave(this, m_name);
   m_name = valid;
-  if (!valid.empty()) dictionary.enter(this, valid);
+  if (!valid.empty()) SoNameDictionary::enter(this, valid);
 }
 
 SoBase* SoBase::getNamedBase(SbName const& name, SoType type) {
-  SoNameDictionary& dictionary = SoNameDictionary::instance();
-  std::lock_guard lock(dictionary.mutex);
-  auto const known = dictionary.byName.find(name);
-  if (known == dictionary.byName.end()) return nullptr;
-  std::vector<SoBase*> const& objects = known->second.objects;
-  for (std::size_t i = objects.size(); i-- > 0;) {
-    if (objects[i] && objects[i]->isOfType(type)) return objects[i];
-  }
-  return nullptr;
+  SoBase* latest = nullptr;
+  SoNameDictionary::search(name, type, [&](SoBase* object) { return latest = object; });
+  return latest;
 }
 
 std::vector<SoBase*> SoBase::getNamedBases(SbName const& name, SoType type) {
-  SoNameDictionary& dictionary = SoNameDictionary::instance();
-  std::lock_guard lock(dictionary.mutex);
   std::vector<SoBase*> found;
-  auto const known = dictionary.byName.find(name);
-  if (known == dictionary.byName.end()) return found;
-  for (SoBase* object : known->second.objects) {
-    if (object && object->isOfType(type)) found.push_back(object);
-  }
+  SoNameDictionary::search(name, type, [&](SoBase* object) {
+    found.push_back(object);
+    return false;
+  });
   return found;
 }

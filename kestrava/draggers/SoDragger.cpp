@@ -251,11 +251,18 @@ void SoDragger::handleEvent(SoHandleEventAction& action) {
     Hit const hit = getHit(action, true);
     if (hit.handle >= 0 && startDrag(action, hit)) action.setHandled();
   } else if (event.isOfType(SoLocation2Event::getClassTypeId()) && !m_drag) {
-    int const handle = getHit(action, false).handle;
-    if (handle == m_pointedAt) return;
-    setLook(std::exchange(m_pointedAt, handle), SoDraggerHandle::NORMAL);
-    setLook(handle, SoDraggerHandle::POINTED_AT);
+    pointAt(action);
   }
+}
+
+void SoDragger::pointAt(SoHandleEventAction& action) {
+  // A pointer that has left the view points at nothing, whatever there is beside the picture.
+  SbVec2f const at = action.getViewportRegion().normalize(action.getEvent()->position);
+  bool const isInView = at[0] >= 0 && at[0] <= 1 && at[1] >= 0 && at[1] <= 1;
+  int const handle = isInView ? getHit(action, false).handle : -1;
+  if (handle == m_pointedAt) return;
+  setLook(std::exchange(m_pointedAt, handle), SoDraggerHandle::NORMAL);
+  setLook(handle, SoDraggerHandle::POINTED_AT);
 }
 
 bool SoDragger::startDrag(SoHandleEventAction& action, Hit const& hit) {
@@ -319,7 +326,10 @@ void SoDragger::moveDrag(SoHandleEventAction& action) {
     // What is told of the change may have ended the drag.
     if (m_drag) call(MOTION);
   }
-  if (isRelease || !m_drag || !isStillThere(action)) endDrag(action);
+  bool const isThere = m_drag && isStillThere(action);
+  if (!isRelease && isThere) return;
+  endDrag(action);
+  if (isThere && !m_drag) pointAt(action);
 }
 
 void SoDragger::endDrag(SoHandleEventAction& action) {

@@ -139,6 +139,8 @@ class SoDragger : public SoBaseKit {
   int findHandle(SoPath const& picked, int at) const;
   Hit getHit(SoHandleEventAction& action, bool here) const;
   Hit lookThrough(SoHandleEventAction& action, SoPath const& picked, int at, Hit const& hit) const;
+  /// Lights up the handle under the pointer.
+  void pointAt(SoHandleEventAction& action);
   bool startDrag(SoHandleEventAction& action, Hit const& hit);
   void moveDrag(SoHandleEventAction& action);
   void endDrag(SoHandleEventAction& action);

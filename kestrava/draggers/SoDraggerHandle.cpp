@@ -26,10 +26,10 @@ void visitHandle(SoStateAction& action, SoDraggerHandle& handle) {
     SbColor const color = handle.getShownColor();
     auto& material = state.modify<SoMaterialElement>();
     material = SoMaterialElement();
-    material.diffuse.first = color;
+    material.diffuse.first = SbColor(color * 0.6f);
     // Also where no light shines a handle is to be seen.
     material.ambient.first = SbColor(color * 0.5f);
-    material.emissive.first = SbColor(color * 0.3f);
+    material.emissive.first = SbColor(color * 0.5f);
     material.transparency.first = handle.transparency.getValue();
     material.id = handle.getNodeId();
     state.modify<SoLightModelElement>() = {};

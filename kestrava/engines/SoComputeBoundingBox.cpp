@@ -7,7 +7,9 @@ SoComputeBoundingBox::SoComputeBoundingBox() : m_pathSensor(pathChanged, this) {
 }
 
 void SoComputeBoundingBox::pathChanged(void* data, SoSensor*) {
-  static_cast<SoComputeBoundingBox*>(data)->sendAll();
+  // As if the path were an input that tells of changes below it.
+  auto* const self = static_cast<SoComputeBoundingBox*>(data);
+  self->changed(SoNotification{SoNotification::UNSPECIFIED, self->m_pathSensor.getAttachedContainer()});
 }
 
 void SoComputeBoundingBox::inputChanged(SoField* input) {

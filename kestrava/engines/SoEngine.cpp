@@ -74,10 +74,7 @@ void SoEngine::changed(SoNotification const& notification) {
   // A change of the engine itself comes by its fields.
   if (notification.container == this) return;
   auto const walk = std::make_shared<SoFieldWalk>();
-  for (SoField* output : getOutputs()) {
-    output->markPending();
-    walk->reach(output);
-  }
+  walk->callLater(this, nullptr);
   walk->follow();
   // What is computed may lead back to the node that is looked at: that is told once.
   if (m_telling) return;

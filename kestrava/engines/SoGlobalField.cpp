@@ -39,8 +39,14 @@ bool SoGlobalField::declareValue() {
 }
 
 void SoGlobalField::fieldChanged(SoField* field) {
-  if ((field == &type || field == &name) && !type.getValue().empty() && !name.getValue().empty())
-    declareValue();
+  if (field != &type && field != &name) return;
+  SoField const* const value = getValueField();
+  if (!value && (type.getValue().empty() || name.getValue().empty())) return;
+  if (declareValue() || !value) return;
+  // What it is called, and what files say, must be what it is.
+  if (name.getValue() != value->getName()) name.setValue(value->getName());
+  SbName const fieldType = value->getTypeId().getName();
+  if (type.getValue() != fieldType) type.setValue(fieldType);
 }
 
 void SoGlobalField::listenersChanged(SoField* field) {

@@ -12,6 +12,8 @@ void SoTypedEngine::fieldChanged(SoField* field) {
   if (field != &type) return;
   SoType const wanted = SoType::fromName(type.getValue());
   if (wanted == m_declared && !wanted.isBad()) return;
+  // Those that follow the old fields may be all that keeps the engine.
+  SoRef<SoFieldContainer> const kept(getRefCount() > 0 ? this : nullptr);
   m_runTimeFields.clear();
   m_declared = wanted;
   if (type.getValue().empty()) return;
@@ -41,7 +43,7 @@ void SoGate::inputChanged(SoField* input) {
     output->evaluate(); // what has passed has passed
     return;
   }
-  bool const isValue = input == getInput() || input == &enable;
+  bool const isValue = !input || input == getInput() || input == &enable;
   if (input != &trigger && !(isValue && enable.getValue())) return;
   m_lets = true;
   send(*output);

@@ -40,9 +40,13 @@ void SoField::link(SoField* source) {
 void SoField::unlink() {
   SoField* const source = std::exchange(m_links->source, nullptr);
   auto& followers = source->m_links->followers;
-  // From the end: what came last goes first where many leave.
-  auto const found = std::find(followers.rbegin(), followers.rend(), this);
-  if (found != followers.rend()) followers.erase(std::next(found).base());
+  // From both ends: where many leave they do so in the order in which they came, or in the opposite one.
+  if (followers.front() == this) {
+    followers.erase(followers.begin());
+  } else {
+    auto const found = std::find(followers.rbegin(), followers.rend(), this);
+    if (found != followers.rend()) followers.erase(std::next(found).base());
+  }
   SoFieldContainer* const container = source->m_container;
   if (!container || !container->m_servesConnections) return;
   container->listenersChanged(source);

@@ -83,7 +83,15 @@ bool SoFieldContainer::set(char const* fieldsAndValues) {
       in.failText("'" + name.str() + "' is not a field of " + getTypeId().getName().str());
       break;
     }
-    if (!field->readValue(in)) break;
+    // Read into a field of its own first: a faulty text must leave this one as it is.
+    std::unique_ptr<SoField> const parsed(static_cast<SoField*>(field->getTypeId().createInstance()));
+    if (!parsed) {
+      in.failText("the field '" + name.str() + "' can not be set from a text");
+      break;
+    }
+    parsed->links().parsedFor = field;
+    if (!parsed->readValue(in) || in.hasFailed()) break;
+    field->takeValueOf(*parsed);
     field->valueChanged();
   }
   in.postError();

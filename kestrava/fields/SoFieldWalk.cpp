@@ -81,9 +81,13 @@ void SoFieldWalk::tellSensors() {
 
 void SoFieldWalk::tellSensorsOf(std::size_t entry) {
   if (!m_entries[entry]) return;
-  // By index: a callback may attach, detach, and destroy sensors and the field itself.
-  for (std::size_t k = m_entries[entry]->m_links->sensors.size(); k-- > 0 && m_entries[entry];) {
+  // A callback may attach, detach, and destroy sensors and the field itself.
+  std::vector<SoFieldSensor*> const toldOf = m_entries[entry]->m_links->sensors;
+  for (std::size_t k = toldOf.size(); k-- > 0 && m_entries[entry];) {
     SoField* const field = m_entries[entry];
-    if (k < field->m_links->sensors.size()) field->m_links->sensors[k]->fieldNotified(field);
+    std::vector<SoFieldSensor*> const& sensors = field->m_links->sensors;
+    bool const isThere = (k < sensors.size() && sensors[k] == toldOf[k]) ||
+                         std::find(sensors.begin(), sensors.end(), toldOf[k]) != sensors.end();
+    if (isThere) toldOf[k]->fieldNotified(field);
   }
 }

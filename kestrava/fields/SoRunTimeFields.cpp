@@ -14,9 +14,15 @@ SoField* SoRunTimeFields::declare(SoFieldContainer& container, SoType type, SbNa
 }
 
 void SoRunTimeFields::clear() {
-  for (auto const& field : m_fields) {
-    for (SoField* follower : field->getFollowers()) follower->disconnect();
+  // One by one: whoever hears of it may look at those that are left.
+  while (!m_fields.empty()) {
+    SoField* const field = m_fields.back().get();
+    if (field->hasFollowers()) {
+      field->getFollowers().back()->disconnect();
+      continue;
+    }
+    std::unique_ptr<SoField> const last = std::move(m_fields.back());
+    m_fields.pop_back();
+    m_table->truncate(m_table->getNumFields() - 1);
   }
-  if (m_table) m_table->truncate(m_table->getNumFields() - getLength());
-  m_fields.clear();
 }

@@ -27,7 +27,20 @@ struct ValueDepth {
 };
 thread_local int ValueDepth::open = 0;
 
+/// A container whose fields are made at run time may have lost one while it was read. Looks at the address alone.
+bool hasField(SoFieldContainer const* container, SoField const* field) {
+  for (int i = 0; i < container->getNumFields(); ++i) {
+    if (container->getField(i) == field) return true;
+  }
+  return false;
+}
+
 } // namespace
+
+bool SoReader::failGone(SoFieldContainer const* container, std::int64_t place) {
+  return m_in.failText("a field of " + typeText(container) + " was replaced after it had been given a value",
+                       place);
+}
 
 SoNode* SoReader::readAll() {
   if (!m_in.isOpen()) return nullptr;
@@ -232,6 +245,8 @@ bool SoReader::resolve(Reference& reference, std::int64_t place) {
 
 bool SoReader::makeConnections() {
   for (Connection& connection : m_connections) {
+    if (!hasField(connection.container, connection.field))
+      return failGone(connection.container, connection.place);
     if (!resolve(connection.source, connection.place)) return false;
     SoField* const source = findField(connection.source.container, connection.sourceField);
     if (!source) {
@@ -269,6 +284,13 @@ bool SoReader::makePath(PathValue& value, SoRef<SoPath>& path) {
 
 bool SoReader::setPaths() {
   for (PathField& pathField : m_pathFields) {
+    using Kind = SoGraphSurvey::FieldKind;
+    bool const isThere =
+        hasField(pathField.container, pathField.field) &&
+        SoGraphSurvey::kindOf(pathField.field) == (pathField.isMany ? Kind::PATHS : Kind::PATH);
+    if (!isThere) {
+      return failGone(pathField.container, pathField.values.empty() ? 0 : pathField.values[0].place);
+    }
     std::vector<SoRef<SoPath>> paths(pathField.values.size());
     for (std::size_t i = 0; i < paths.size(); ++i) {
       if (!makePath(pathField.values[i], paths[i])) return false;

@@ -103,12 +103,14 @@ class SoReader {
   bool readTextSource(SoField* field);
   bool readTextOutput(SbString const& name, bool isQuoted, Connection& connection);
   bool isWordNext();
-  /// The word that starts a container is read already; `expected` says what else might have stood there.
+  /// The word that starts a container is read already; `expected` says what might have stood there, null:
+  /// whatever may stand in the open container.
   bool readTextAfter(SbString const& word, SoField* field, Use use, std::int64_t line,
-                     SbString const& expected);
+                     char const* expected);
   bool readTextBody(SbString const& typeName, SbString const& definedAs, SoField* field, Use use,
-                    std::int64_t line, SbString const& expected);
-  Container readUnknown(SbString const& typeName, std::int64_t line, SbString const& expected);
+                    std::int64_t line, char const* expected);
+  Container readUnknown(SbString const& typeName, std::int64_t line, char const* expected);
+  std::string expectedText(char const* expected) const;
   SoType typeOf(SbString const& name);
 
   // Binary.
@@ -140,6 +142,7 @@ class SoReader {
   bool endPathValue(SoField* field, PathValue value);
   bool resolve(Reference& reference, std::int64_t place);
   bool makePath(PathValue& value, SoRef<SoPath>& path);
+  bool failGone(SoFieldContainer const* container, std::int64_t place);
   bool makeConnections();
   bool setPaths();
 

@@ -41,15 +41,12 @@ bool SoReader::readTextEntry() {
     return m_in.fail("'}' for the " + typeText(container) + " of line " + std::to_string(frame.place));
   }
   int const line = m_in.getLine();
-  auto expected = [&] {
-    return SbString("a field of " + typeText(container) + (frame.children ? ", a node or '}'" : " or '}'"));
-  };
   SbString word;
-  if (!isWordNext()) return m_in.fail(expected().str());
+  if (!isWordNext()) return m_in.fail(expectedText(nullptr));
   if (!m_in.readWord(word)) return false;
   if (SoField* named = findField(container, word.str())) return readTextField(named);
-  if (!frame.children) return m_in.failText("expected " + expected().str() + ", found " + quoted(word), line);
-  return readTextAfter(word, nullptr, Use::CHILD, line, expected());
+  if (!frame.children) return m_in.failText("expected " + expectedText(nullptr) + ", found " + quoted(word), line);
+  return readTextAfter(word, nullptr, Use::CHILD, line, nullptr);
 }
 
 bool SoReader::readTextField(SoField* field) {
@@ -164,8 +161,15 @@ bool SoReader::readTextOutput(SbString const& name, bool isQuoted, Connection& c
   return true;
 }
 
+// Put together only for a fault: it is asked for at every node.
+std::string SoReader::expectedText(char const* expected) const {
+  if (expected) return expected;
+  Frame const& frame = m_frames.back();
+  return "a field of " + typeText(frame.container) + (frame.children ? ", a node or '}'" : " or '}'");
+}
+
 bool SoReader::readTextAfter(SbString const& word, SoField* field, Use use, std::int64_t line,
-                             SbString const& expected) {
+                             char const* expected) {
   SbString name;
   if (word == SbString("USE")) {
     if (!m_in.read(name)) return false;
@@ -181,7 +185,7 @@ bool SoReader::readTextAfter(SbString const& word, SoField* field, Use use, std:
 }
 
 bool SoReader::readTextBody(SbString const& typeName, SbString const& definedAs, SoField* field, Use use,
-                            std::int64_t line, SbString const& expected) {
+                            std::int64_t line, char const* expected) {
   Frame frame;
   frame.field = field;
   frame.use = use;
@@ -192,7 +196,7 @@ bool SoReader::readTextBody(SbString const& typeName, SbString const& definedAs,
     if (!frame.container) return false;
   } else {
     if (use != Use::SOURCE && !type.isDerivedFrom(SoNode::getClassTypeId())) {
-      return m_in.failText("expected " + expected.str() + ", found the engine " + quoted(typeName), line);
+      return m_in.failText("expected " + expectedText(expected) + ", found the engine " + quoted(typeName), line);
     }
     frame.container = makeContainer(type);
     if (!frame.container)
@@ -217,9 +221,9 @@ SoType SoReader::typeOf(SbString const& name) {
 }
 
 SoReader::Container SoReader::readUnknown(SbString const& typeName, std::int64_t line,
-                                          SbString const& expected) {
+                                          char const* expected) {
   if (m_in.peek() != '{') {
-    m_in.failText("expected " + expected.str() + ", found " + quoted(typeName), line);
+    m_in.failText("expected " + expectedText(expected) + ", found " + quoted(typeName), line);
     return {};
   }
   m_in.skip('{');

@@ -68,6 +68,12 @@ bool contains(SbString const& folder) {
   return std::find(r.folders.begin(), r.folders.end(), asFolder(folder)) != r.folders.end();
 }
 
+std::vector<std::string> getFolders() {
+  Registry& r = registry();
+  std::lock_guard lock(r.mutex);
+  return r.folders;
+}
+
 SbString find(SbString const& name) {
   if (name.empty()) return SbString();
   if (SbFileHelper::exists(name)) return name;

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kestrava/base/SbString.h"
 
@@ -17,6 +18,8 @@ void addFirst(SbString const& folder);
 void addLast(SbString const& folder);
 void remove(SbString const& folder);
 bool contains(SbString const& folder);
+/// In order; each ends with a separator.
+std::vector<std::string> getFolders();
 /// The name itself when such a file exists, else the first one of that name in the folders; empty when
 /// there is none.
 SbString find(SbString const& name);

@@ -2,6 +2,7 @@
 // places.
 
 #include "kestrava/actions/SoGetBoundingBoxAction.h"
+#include "kestrava/actions/SoHandleEventAction.h"
 #include "kestrava/base/SoError.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/draggers/SoCenterballDragger.h"
@@ -15,6 +16,7 @@
 #include "kestrava/draggers/SoTrackballDragger.h"
 #include "kestrava/draggers/SoTransformBoxDragger.h"
 #include "kestrava/draggers/SoTransformerDragger.h"
+#include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/nodes/SoCenterballManip.h"
 #include "kestrava/nodes/SoClipPlaneManip.h"
 #include "kestrava/nodes/SoDirectionalLightManip.h"
@@ -131,13 +133,19 @@ SbVec3f placeOf(SbBox3f const& followers, SoDirectionalLightManip const&) {
   return followers.getCenter() + SbVec3f(0, size[1] * 0.5f + size.length() * 0.2f, 0);
 }
 
+/// Where a dragger stands matters to an event only when it takes hold; the bounds may take their time.
+bool asksForPlace(SoStateAction& action) {
+  if (!action.isOfType(SoHandleEventAction::getClassTypeId())) return true;
+  return static_cast<SoHandleEventAction&>(action).getEvent()->isOfType(SoMouseButtonEvent::getClassTypeId());
+}
+
 template <class Manip> void visitManip(SoStateAction& action, Manip& manip) {
   if (!manip.getDragger()) {
     SoApplyEffect(action, manip);
     return;
   }
   SoState& state = action.getState();
-  SbBox3f const followers = SoBoundsOfFollowers(action);
+  SbBox3f const followers = asksForPlace(action) ? SoBoundsOfFollowers(action) : SbBox3f();
   SbMatrix const before = state.get<SoModelMatrixElement>().matrix;
   SbMatrix place;
   place.setTranslate(placeOf(followers, manip));

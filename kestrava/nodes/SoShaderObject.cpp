@@ -16,16 +16,20 @@ std::mutex mutex;
 SbString SoShaderObject::getSource() const {
   SbString const text = sourceProgram.isIgnored() ? SbString() : sourceProgram.getValue();
   if (sourceType.getValue() == GLSL_PROGRAM || text.empty()) return text;
-  std::lock_guard lock(mutex);
-  if (m_asked) return m_source;
-  m_asked = true;
-  m_source = SoInput::readTextFile(text);
-  if (m_source.empty()) {
+  SbString source;
+  {
+    std::lock_guard lock(mutex);
+    if (m_asked) return m_source;
+    m_asked = true;
+    source = m_source = SoInput::readTextFile(text);
+  }
+  // Who is told may ask again.
+  if (source.empty()) {
     bool const isThere = SoSearchPath::getInMemoryText(text) || !SoSearchPath::find(text).empty();
     SoReadError::post("the shader file '%s' of %s '%s' %s", text.c_str(), getTypeId().getName().c_str(),
                       getName().c_str(), isThere ? "is empty or can not be read" : "is not found");
   }
-  return m_source;
+  return source;
 }
 
 void SoShaderObject::reload() {

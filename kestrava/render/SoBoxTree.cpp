@@ -16,7 +16,8 @@ void middleOf(SbBox3f const& box, float* middle) {
   float const *min = box.getMin().v, *max = box.getMax().v;
   bool const isUsable = min[0] <= max[0] && min[1] <= max[1] && min[2] <= max[2];
   for (int k = 0; k < 3; ++k) middle[k] = min[k] * 0.5f + max[k] * 0.5f;
-  if (!isUsable || !std::isfinite(middle[0] + middle[1] + middle[2])) middle[0] = NAN;
+  bool const isFinite = std::isfinite(middle[0]) && std::isfinite(middle[1]) && std::isfinite(middle[2]);
+  if (!isUsable || !isFinite) middle[0] = NAN;
 }
 
 /// Bits 0 to 9 of a number, two places apart.
@@ -110,7 +111,8 @@ void SoBoxTree::makeClusters(std::span<SbBox3f const> boxes, std::vector<Coded>&
   for (Coded& e : coded) {
     for (int k = 0; k < 3; ++k) {
       float const place = (middles[3 * size_t{e.number} + static_cast<size_t>(k)] - around.min[k]) * scale[k];
-      e.code |= spread(static_cast<std::uint32_t>(std::clamp(place, 0.0f, 1023.0f))) << k;
+      // Differences of huge numbers may be none.
+      e.code |= spread(static_cast<std::uint32_t>(place > 0 ? std::min(place, 1023.0f) : 0.0f)) << k;
     }
   }
   sortByCode(coded);
@@ -179,7 +181,7 @@ void SoBoxTree::makeNodes(std::vector<Cluster>& clusters, std::span<SbBox3f cons
     std::uint32_t split = task.from + (task.to - task.from) / 2;
     float const from = middles.min[axis], size = middles.max[axis] - from;
     float const scale = BINS * 0.9999f / size;
-    if (task.depth < MAX_DEPTH && task.to - task.from > 2 && std::isfinite(scale) && size > 0) {
+    if (task.depth < MAX_DEPTH && task.to - task.from > 2 && std::isfinite(scale) && std::isfinite(size) && size > 0) {
       auto const binOf = [&](Cluster const& c) {
         return std::clamp(static_cast<int>((c.middle(axis) - from) * scale), 0, BINS - 1);
       };

@@ -46,10 +46,11 @@ SoDrawList::~SoDrawList() {
 
 SoDrawList const* SoDrawList::findPrepared(SoNode* root, View const& view) {
   SoDrawList* found = nullptr;
+  if (!root) return nullptr;
   {
     std::lock_guard lock(lists().mutex);
     for (SoDrawList* list : lists().all) {
-      if (list->m_root != root || list->m_updating || list->m_thread != std::this_thread::get_id()) continue;
+      if (list->m_thread != std::this_thread::get_id() || list->m_root != root || list->m_updating) continue;
       bool const isCurrent = list->m_rootId == root->getNodeId();
       if (list->m_dependsOnView && !isSame(list->m_view, view)) continue;
       if (!isCurrent && !list->m_view.camera != !view.camera) continue;
@@ -66,9 +67,15 @@ SoDrawList const* SoDrawList::findPrepared(SoNode* root, View const& view) {
   return found->m_dependsOnView && !isSame(found->m_view, view) ? nullptr : found;
 }
 
+/// Holds all nodes that the list names so far.
+void SoDrawList::keepNodes() {
+  for (size_t i = m_kept.size(); i < m_places.size(); ++i) m_kept.emplace_back(m_places[i].node);
+}
+
 void SoDrawList::clear() {
   m_items.clear();
   m_places.clear();
+  m_kept.clear();
   m_materials.clear();
   m_looks.clear();
   m_textures.clear();
@@ -98,17 +105,18 @@ bool SoDrawList::fits(View const& view) const {
 }
 
 void SoDrawList::update(SoNode* root, View const& view) {
+  m_thread = std::this_thread::get_id();
   std::uint64_t const id = root ? root->getNodeId() : 0;
   if (id == m_rootId && fits(view)) return;
   m_view = view;
-  m_thread = std::this_thread::get_id();
   m_root = root;
   m_updating = true;
   clear();
   SoDrawListAction(*this, m_view).apply(root);
   m_updating = false;
-  // A field that fetched its value from a connection meanwhile has changed the id.
-  m_rootId = root ? root->getNodeId() : 0;
+  // A field that fetched its value from a connection meanwhile has changed the id. What a callback has changed may
+  // be missing from the list.
+  m_rootId = root && m_kept.empty() ? root->getNodeId() : id;
   ++m_numRebuilds;
   m_version = nextVersion();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -103,10 +104,11 @@ class SoDrawList {
     int above;  // index of the place above, -1 for the root
   };
   void clear();
+  void keepNodes();
   bool fits(View const& view) const;
 
   SoNode const* m_root = nullptr; // never looked into: it may be gone
-  std::thread::id m_thread;       // where the list was last brought up to date
+  std::atomic<std::thread::id> m_thread;  // where the list was last brought up to date; the rest is read only there
   bool m_updating = false;
   std::uint64_t m_rootId = 0;
   View m_view;
@@ -127,12 +129,17 @@ class SoDrawList {
   std::vector<SoScreenText> m_screenTexts;
   std::vector<SoTessellation::ScreenSize> m_screenSizes;
   mutable std::unique_ptr<SoDrawListPicker> m_picker;
+  std::vector<SoRef<SoNode>> m_kept;  // what a callback of the scene might have removed while the list was made
   SoDrawBackground m_background;
   SbBox3f m_bounds;
   bool m_hasLights = false;
   SoRef<SoCamera> m_camera;
   SbMatrix m_cameraMatrix;
   // Meshes and what was found out about textures outlive a rebuild.
-  std::unordered_map<std::uint64_t, std::shared_ptr<SoDrawMesh const>> m_meshes;
+  struct KnownMesh {
+    std::shared_ptr<SoDrawMesh const> mesh;
+    int rebuild = 0;  // the latest one that it was met in
+  };
+  std::unordered_map<std::uint64_t, KnownMesh> m_meshes;
   std::unordered_map<std::shared_ptr<SbImage::Bytes const>, SoDrawTexture::Alpha> m_textureAlphas;
 };

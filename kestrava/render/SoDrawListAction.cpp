@@ -1,6 +1,9 @@
 #include "kestrava/render/SoDrawListAction.h"
 
+#include <bit>
+
 #include "kestrava/nodes/SoAnnotation.h"
+#include "kestrava/nodes/SoCallback.h"
 #include "kestrava/nodes/SoCamera.h"
 #include "kestrava/nodes/SoFragmentShader.h"
 #include "kestrava/nodes/SoGeometryShader.h"
@@ -78,8 +81,49 @@ SoDrawMaterial materialOf(SoMaterialElement const& element) {
   return material;
 }
 
+/// The index under a hash that `isIt` accepts; -1 when there is none.
+template <class IsIt> int find(std::unordered_multimap<size_t, int> const& indices, size_t hash, IsIt const& isIt) {
+  auto const [first, last] = indices.equal_range(hash);
+  auto const found = std::find_if(first, last, [&](auto const& entry) { return isIt(entry.second); });
+  return found == last ? -1 : found->second;
+}
+
+void mix(std::uint64_t& hash, float value) { hash = SoMixKey(hash, std::bit_cast<std::uint32_t>(value + 0.0f)); }
+void mix(std::uint64_t& hash, SbVec3f const& value) {
+  for (int i = 0; i < 3; ++i) mix(hash, value[i]);
+}
+
+/// Of what makes the difference in nearly all scenes; equal ones have equal hashes.
+size_t hashOf(std::vector<SoLightElement::Light> const& lights, std::vector<SbPlane> const& planes,
+              SoEnvironmentElement const& environment) {
+  std::uint64_t hash = lights.size();
+  for (SoLightElement::Light const& light : lights) {
+    mix(hash, light.color);
+    mix(hash, light.position);
+    mix(hash, light.direction);
+  }
+  for (SbPlane const& plane : planes) {
+    mix(hash, plane.getNormal());
+    mix(hash, plane.getDistanceFromOrigin());
+  }
+  mix(hash, environment.fogVisibility);
+  mix(hash, environment.ambientIntensity);
+  return hash;
+}
+
+size_t hashOf(SoDrawLook const& look) {
+  std::uint64_t hash = look.linePattern;
+  for (int const number : {look.texture, look.surroundings, look.shader, look.inputs, static_cast<int>(look.layer),
+                           static_cast<int>(look.style), look.lit + 2 * look.culled + 4 * look.ordered}) {
+    hash = SoMixKey(hash, static_cast<std::uint64_t>(number));
+  }
+  mix(hash, look.pointSize);
+  mix(hash, look.lineWidth);
+  return hash;
+}
+
 /// What a node means beside what every action does at it.
-enum class Role : char { ORDINARY, CAMERA, VIEW_DEPENDENT };
+enum class Role : char { ORDINARY, CAMERA, VIEW_DEPENDENT, CALLBACK };
 
 Role roleOf(SoType type) {
   // One entry for each type met so far; asked for every node.
@@ -93,6 +137,8 @@ Role roleOf(SoType type) {
     } else if (type.isDerivedFrom(SoLOD::getClassTypeId()) ||
                type.isDerivedFrom(SoLevelOfDetail::getClassTypeId())) {
       role = Role::VIEW_DEPENDENT;
+    } else if (type.isDerivedFrom(SoCallback::getClassTypeId())) {
+      role = Role::CALLBACK;
     }
     roles[index] = static_cast<signed char>(role);
   }
@@ -107,7 +153,6 @@ SoDrawListAction::SoDrawListAction(SoDrawList& list, SoDrawList::View const& vie
 void SoDrawListAction::begin() {
   SoStateAction::begin();
   getState().modify<SoScreenSizesElement>().sizes = &m_list.m_screenSizes;
-  m_formerMeshes.swap(m_list.m_meshes);
   m_formerAlphas.swap(m_list.m_textureAlphas);
   if (!m_view.camera) return;
   auto& element = getState().modify<SoCameraElement>();
@@ -118,6 +163,7 @@ void SoDrawListAction::begin() {
 
 void SoDrawListAction::end() {
   for (SoDrawList::Item const& item : m_list.m_items) m_list.m_bounds.extendBy(item.bounds);
+  std::erase_if(m_list.m_meshes, [this](auto const& entry) { return entry.second.rebuild != m_list.m_numRebuilds; });
 }
 
 void SoDrawListAction::visit(SoNode* node) {
@@ -130,6 +176,9 @@ void SoDrawListAction::visit(SoNode* node) {
       if (m_view.camera) return;
       break;
     case Role::VIEW_DEPENDENT: m_list.m_dependsOnView = true; break;
+    case Role::CALLBACK:
+      if (static_cast<SoCallback*>(node)->getCallback()) m_list.keepNodes();
+      break;
     case Role::ORDINARY: break;
   }
   SoStateAction::visit(node);
@@ -149,14 +198,14 @@ int SoDrawListAction::enterPlaces() {
 
 std::shared_ptr<SoDrawMesh const> SoDrawListAction::meshOf(SoShape const& shape) {
   std::uint64_t const key = shape.getMeshKey(getState());
-  auto& entry = m_list.m_meshes[key];
-  if (entry) return entry;
-  if (auto former = m_formerMeshes.find(key); former != m_formerMeshes.end()) return entry = former->second;
+  SoDrawList::KnownMesh& known = m_list.m_meshes[key];
+  known.rebuild = m_list.m_numRebuilds;
+  if (known.mesh) return known.mesh;
   auto made = std::make_shared<SoDrawMesh>();
   made->key = key;
   shape.buildShownMesh(getState(), made->mesh);
   made->bounds = made->mesh.getBounds();
-  return entry = std::move(made);
+  return known.mesh = std::move(made);
 }
 
 int SoDrawListAction::materialIndex(SoMaterialElement const& element) {
@@ -168,13 +217,16 @@ int SoDrawListAction::materialIndex(SoMaterialElement const& element) {
 int SoDrawListAction::textureIndex(SoTextureImageElement const& element) {
   if (element.image.isEmpty()) return -1;
   auto& textures = m_list.m_textures;
-  for (int i = static_cast<int>(textures.size()) - 1; i >= 0; --i) {
+  auto const isSameTexture = [&](int i) {
     SoTextureImageElement const& other = textures[i].element;
-    if (other.image.getSharedBytes() == element.image.getSharedBytes() && other.repeatS == element.repeatS &&
-        other.repeatT == element.repeatT && other.repeatR == element.repeatR && other.model == element.model && other.blendColor == element.blendColor) {
-      return i;
-    }
-  }
+    return other.image.getSharedBytes() == element.image.getSharedBytes() &&
+           other.image.getSize() == element.image.getSize() && other.repeatS == element.repeatS &&
+           other.repeatT == element.repeatT && other.repeatR == element.repeatR && other.model == element.model &&
+           other.blendColor == element.blendColor;
+  };
+  size_t const hash = std::hash<void const*>()(element.image.getBytes());
+  if (int const known = find(m_textureIndices, hash, isSameTexture); known >= 0) return known;
+  m_textureIndices.emplace(hash, static_cast<int>(textures.size()));
   auto const [known, isNew] = m_list.m_textureAlphas.try_emplace(element.image.getSharedBytes());
   if (isNew) {
     auto const former = m_formerAlphas.find(known->first);
@@ -190,9 +242,11 @@ int SoDrawListAction::surroundingsIndex() {
   auto const& planes = state.get<SoClipPlaneElement>().planes;
   auto const& environment = state.get<SoEnvironmentElement>();
   auto& known = m_list.m_surroundings;
-  for (int i = static_cast<int>(known.size()) - 1; i >= 0; --i) {
-    if (isSame(known[i], lights, planes, environment)) return i;
-  }
+  auto const isKnown = [&](int i) { return isSame(known[i], lights, planes, environment); };
+  if (!known.empty() && isKnown(static_cast<int>(known.size()) - 1)) return static_cast<int>(known.size()) - 1;
+  size_t const hash = hashOf(lights, planes, environment);
+  if (int const index = find(m_surroundingsIndices, hash, isKnown); index >= 0) return index;
+  m_surroundingsIndices.emplace(hash, static_cast<int>(known.size()));
   known.push_back({lights, planes, environment});
   if (!lights.empty()) m_list.m_hasLights = true;
   return static_cast<int>(known.size()) - 1;
@@ -200,8 +254,11 @@ int SoDrawListAction::surroundingsIndex() {
 
 int SoDrawListAction::lookIndex(SoDrawLook const& look) {
   auto& looks = m_list.m_looks;
-  auto const found = std::find(looks.rbegin(), looks.rend(), look);
-  if (found != looks.rend()) return static_cast<int>(looks.rend() - found) - 1;
+  if (!looks.empty() && looks.back() == look) return static_cast<int>(looks.size()) - 1;
+  size_t const hash = hashOf(look);
+  int const known = find(m_lookIndices, hash, [&](int i) { return looks[i] == look; });
+  if (known >= 0) return known;
+  m_lookIndices.emplace(hash, static_cast<int>(looks.size()));
   looks.push_back(look);
   return static_cast<int>(looks.size()) - 1;
 }

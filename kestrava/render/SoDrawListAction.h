@@ -49,7 +49,8 @@ class SoDrawListAction : public SoStateAction {
   SoDrawList::View const& m_view;
   std::vector<Step> m_steps;
   std::unordered_map<std::uint64_t, int> m_materialIndices;
-  decltype(SoDrawList::m_meshes) m_formerMeshes;
+  // By hashes: scenes may have thousands of each.
+  std::unordered_multimap<size_t, int> m_textureIndices, m_lookIndices, m_surroundingsIndices;
   decltype(SoDrawList::m_textureAlphas) m_formerAlphas;
   int m_annotations = 0;
 };

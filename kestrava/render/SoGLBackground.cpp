@@ -76,7 +76,7 @@ void SoGLBackground::draw(SoDrawBackground const& background, SbVec2s size, SoGL
   }
   if (!m_program) return;
   bool const hasImage = background.kind == SoDrawBackground::IMAGE;
-  if (hasImage && !textures.bind(SoGLProgram::IMAGE_UNIT, background.image, {true, true, true})) return;
+  if (hasImage) textures.bind(SoGLProgram::IMAGE_UNIT, background.image, {true, true, true});
   glUseProgram(m_program);
   auto uniform = [this](char const* name) { return glGetUniformLocation(m_program, name); };
   Rectangles const r = rectanglesOf(background, size);

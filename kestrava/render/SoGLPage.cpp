@@ -157,7 +157,7 @@ bool SoGLPage::has(SoMesh const& mesh, Primitive primitive, SoDrawStyleElement::
     case LINES:
       return style != SoDrawStyleElement::POINTS &&
              (!mesh.lines.empty() || (style == SoDrawStyleElement::LINES && !mesh.triangles.empty()));
-    case POINTS: return style == SoDrawStyleElement::POINTS || !mesh.points.empty();
+    case POINTS: return (style == SoDrawStyleElement::POINTS && !mesh.positions.empty()) || !mesh.points.empty();
   }
   return false;
 }
@@ -378,8 +378,8 @@ void SoGLPage::setOrder(std::vector<std::uint32_t> const& order) {
     indices.insert(indices.end(), corners, corners + 3);
   }
   glBindVertexArray(m_vertexArray);
-  glBufferSubData(GL_ELEMENT_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)),
-                  indices.data());
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)),
+               indices.data(), GL_DYNAMIC_DRAW);
 }
 
 void SoGLPage::draw(std::vector<Range> const& runs) const {

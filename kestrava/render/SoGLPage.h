@@ -50,7 +50,8 @@ class SoGLPage {
   void bind() const;
   /// With `sortable`: where the triangles stand in the world, in the order of the page.
   std::vector<SbVec3f> const& getTriangleCenters() const { return m_centers; }
-  /// Draws triangles in another order from now on; `order` holds their numbers, not all of them need be there.
+  /// Draws triangles in another order from now on; `order` holds their numbers. Not all of them need be there, and
+  /// where looks share the page one may be there more than once.
   void setOrder(std::vector<std::uint32_t> const& order);
   /// Draws runs of indices, or of places. The page is bound.
   void draw(std::vector<Range> const& runs) const;

@@ -273,7 +273,8 @@ void SoGLProgram::findVariables() {
     glGetActiveUniform(m_name, static_cast<unsigned>(i), longest, nullptr, &size, &variable.type, text.data());
     std::string name = text.c_str();
     int const location = glGetUniformLocation(m_name, name.c_str());
-    if (location < 0 || name.starts_with("ks")) continue;
+    bool const isOurs = name.starts_with("ksRaw") || name == "ksTexture" || name == "ksPointSize";
+    if (location < 0 || isOurs) continue;
     if (name.ends_with("[0]")) name.resize(name.size() - 3);
     variable.locations.push_back(location);
     for (int k = 1; k < size; ++k) {

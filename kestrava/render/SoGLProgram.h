@@ -47,10 +47,14 @@ class SoGLProgram {
 
   /// A uniform variable of a program with stages of the scene's own.
   struct Variable {
-    int location;
-    unsigned type;  // as OpenGL names it
-    int size;       // elements of an array
-    int unit;       // of a sampler
+    unsigned type;               // as OpenGL names it
+    SoUniformValue initial;      // as the program sets it; kind NONE for types that parameters do not serve
+    std::vector<int> locations;  // one an element of an array
+    int unit;                    // of a sampler, or of the first of an array of them; 0: there was none left
+  };
+  struct Place {
+    Variable const* variable;
+    int element;
   };
 
   /// Number of the program; 0 when it does not compile.
@@ -58,9 +62,10 @@ class SoGLProgram {
   int getUniform(Uniform uniform) const { return m_uniforms[uniform]; }
   /// True when some stage is the scene's.
   bool isOwn() const { return m_own; }
-  /// Null when the program does not use it. A part of an array is found by the name of its first element.
-  Variable const* getVariable(std::string const& name) const;
-  Variable const* getVariable(int location) const;
+  std::unordered_map<std::string, Variable> const& getVariables() const { return m_variables; }
+  /// A variable, or an element of an array (`name[2]`); null when the program does not use it.
+  Place find(std::string const& name) const;
+  Place find(int location) const;
   /// What a geometry stage of the scene's own takes: GL_TRIANGLES, GL_LINES, GL_POINTS; 0 when there is none.
   unsigned getGeometryInput() const { return m_geometryInput; }
 

@@ -88,6 +88,7 @@ void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
   if (size[0] <= 0 || size[1] <= 0) return;
   int const ownUnits = list.getShaders().empty() ? 0 : SoGLProgram::MAX_OWN_UNITS;
   SoGLState const before(SoGLProgram::FIRST_OWN_UNIT + ownUnits);
+  before.setPlain();
   m_statistics.drawCalls = m_statistics.rangesSeen = m_statistics.rangesCulled = 0;
   bool const sortable = frame.transparency == SORTED_TRIANGLES;
   if (m_preparedVersion != list.getVersion() || m_preparedSortable != sortable) prepare(list, frame);
@@ -95,8 +96,6 @@ void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
   glViewport(origin[0], origin[1], size[0], size[1]);
   glScissor(origin[0], origin[1], size[0], size[1]);
   glEnable(GL_SCISSOR_TEST);
-  glDisable(GL_STENCIL_TEST);
-  glDisable(GL_FRAMEBUFFER_SRGB);
   glEnable(GL_MULTISAMPLE);
   glEnable(GL_PROGRAM_POINT_SIZE);
   glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
@@ -109,9 +108,7 @@ void SoGLRenderer::render(SoDrawList const& list, Frame const& frame) {
   glBlendEquation(GL_FUNC_ADD);
   // Opaque stays opaque: a window behind must not shine through.
   glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-  glDisable(GL_BLEND);
   m_clipDistances = 0;
-  for (unsigned i = 0; i < SoGLProgram::MAX_CLIP_DISTANCES; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
   if (frame.clears) {
     SbColorRGBA const& c = frame.background;
     // Where the ground is not opaque the picture holds colours multiplied by alpha.
@@ -221,6 +218,7 @@ void SoGLRenderer::prepare(SoDrawList const& list, Frame const& frame) {
 
   Pages pages;
   m_groups.clear();
+  m_turnsAreCurrent = false;
   for (size_t i = 0; i < members.size(); ++i) {
     if (members[i].empty()) continue;
     Group group;
@@ -467,7 +465,7 @@ bool SoGLRenderer::bindGroup(SoDrawList const& list, Group const& group, unsigne
   if (group.features & SoGLProgram::TEXTURE) {
     SoTextureImageElement const& texture = list.getTextures()[look.texture].element;
     SoGLTextures::Repeat const repeat{texture.repeatS, texture.repeatT, texture.repeatR};
-    if (!m_textures.bind(SoGLProgram::IMAGE_UNIT, texture.image, repeat)) return false;
+    m_textures.bind(SoGLProgram::IMAGE_UNIT, texture.image, repeat);
     glUniform1i(program->getUniform(SoGLProgram::TEXTURE_MODEL), texture.model);
     glUniform3fv(program->getUniform(SoGLProgram::BLEND_COLOR), 1, texture.blendColor.getValue());
   }
@@ -535,6 +533,7 @@ void SoGLRenderer::release() {
 
 void SoGLRenderer::forget() {
   m_preparedVersion = 0;
+  m_turnsAreCurrent = false;
   m_groups.clear();
   m_pages.clear();
   m_materialTable.clear();

@@ -89,7 +89,7 @@ class SoGLRenderer {
   void drawTransparent(SoDrawList const& list, Frame const& frame);
   /// `more`: features beside those of the groups.
   void drawLayer(SoDrawList const& list, SoDrawLook::Layer layer, unsigned more = 0);
-  void findTurns(Frame const& frame);
+  bool findTurns(Frame const& frame);
   void orderTriangles();
   void drawTexts(SoDrawList const& list, Frame const& frame, SoDrawLook::Layer layer);
   void drawInTurn(SoDrawList const& list, Frame const& frame);
@@ -111,7 +111,12 @@ class SoGLRenderer {
 
   std::array<SbPlane, 6> m_boundaries;
   std::vector<SoGLPage::Range> m_runs;
+  // Of the latest frame with transparent things in turn; they serve as long as neither the list nor the view changes.
   std::vector<Turn> m_turns;
+  std::array<SbVec3f, 2> m_turnsView;  // eye and direction
+  std::array<SbPlane, 6> m_turnsBoundaries;
+  bool m_turnsAreCurrent = false;
+  int m_turnsSeen = 0, m_turnsCulled = 0;
   int m_clipDistances = 0;
   Statistics m_statistics;
   bool m_headlight = false;

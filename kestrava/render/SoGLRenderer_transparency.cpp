@@ -1,6 +1,8 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "kestrava/render/SoGLRenderer.h"
 
@@ -15,21 +17,31 @@ void SoGLRenderer::drawTransparent(SoDrawList const& list, Frame const& frame) {
   frame.transparency == BLEND ? drawLayer(list, SoDrawLook::TRANSPARENT) : drawInTurn(list, frame);
 }
 
-/// The parts of the transparent groups that are in view, the farthest first.
-void SoGLRenderer::findTurns(Frame const& frame) {
+/// The parts of the transparent groups that are in view, the farthest first; false when they are as before.
+bool SoGLRenderer::findTurns(Frame const& frame) {
   SbVec3f const eye = frame.volume.getProjectionPoint(), ahead = frame.volume.getProjectionDirection();
-  auto distanceTo = [&](SbVec3f const& point) { return (point - eye).dot(ahead); };
+  std::array<SbVec3f, 2> const view{eye, ahead};
+  if (m_turnsAreCurrent && m_turnsView == view && m_turnsBoundaries == m_boundaries) return false;
+  m_turnsView = view;
+  m_turnsBoundaries = m_boundaries;
+  m_turnsAreCurrent = true;
+  // A place that is no number can be sorted all the same.
+  auto distanceTo = [&](SbVec3f const& point) {
+    float const distance = (point - eye).dot(ahead);
+    return std::isnan(distance) ? std::numeric_limits<float>::infinity() : distance;
+  };
   m_turns.clear();
+  m_turnsSeen = m_turnsCulled = 0;
   for (Group const& group : m_groups) {
     if (group.look.layer != SoDrawLook::TRANSPARENT) continue;
     for (SoGLPage* page : group.pages) {
       std::vector<SbVec3f> const& centers = page->getTriangleCenters();
       for (SoGLPage::Range const& range : page->getRanges()) {
         if (SbViewVolume::isOutside(m_boundaries, range.bounds)) {
-          ++m_statistics.rangesCulled;
+          ++m_turnsCulled;
           continue;
         }
-        ++m_statistics.rangesSeen;
+        ++m_turnsSeen;
         if (centers.empty()) {
           m_turns.push_back({distanceTo(range.bounds.getCenter()), &group, page, range, false});
           continue;
@@ -42,6 +54,7 @@ void SoGLRenderer::findTurns(Frame const& frame) {
   }
   std::stable_sort(m_turns.begin(), m_turns.end(),
                    [](Turn const& a, Turn const& b) { return a.distance > b.distance; });
+  return true;
 }
 
 /// Brings the triangles of each page into the order in which they are drawn.
@@ -57,8 +70,9 @@ void SoGLRenderer::orderTriangles() {
 }
 
 void SoGLRenderer::drawInTurn(SoDrawList const& list, Frame const& frame) {
-  findTurns(frame);
-  orderTriangles();
+  if (findTurns(frame)) orderTriangles();
+  m_statistics.rangesSeen += m_turnsSeen;
+  m_statistics.rangesCulled += m_turnsCulled;
   Group const* bound = nullptr;
   bool usable = false;
   for (size_t i = 0; i < m_turns.size();) {

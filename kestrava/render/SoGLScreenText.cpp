@@ -67,29 +67,32 @@ class Atlas {
       }
     }
     std::vector<SoGlyphBitmap const*> glyphs;
-    for (auto const& [glyph, place] : m_places) glyphs.push_back(glyph);
+    for (auto const& [glyph, place] : m_places) {
+      glyphs.push_back(glyph);
+      m_width = std::max(m_width, glyph->width);
+    }
     std::sort(glyphs.begin(), glyphs.end(),
               [](auto const* a, auto const* b) { return a->height > b->height; });
     int x = 0, y = 0, rowHeight = 0;
     for (SoGlyphBitmap const* glyph : glyphs) {
-      if (x + glyph->width > WIDTH) x = 0, y += rowHeight, rowHeight = 0;
+      if (x + glyph->width > m_width) x = 0, y += rowHeight, rowHeight = 0;
       m_places[glyph] = {x, y};
       x += glyph->width;
       rowHeight = std::max(rowHeight, glyph->height);
     }
     m_height = y + rowHeight;
   }
-  static constexpr int WIDTH = 1024;
-
+  int getWidth() const { return m_width; }
   int getHeight() const { return m_height; }
   std::pair<int, int> find(SoGlyphBitmap const* glyph) const { return m_places.at(glyph); }
   std::vector<unsigned char> draw() const {
-    std::vector<unsigned char> pixels(static_cast<size_t>(WIDTH) * static_cast<size_t>(m_height));
+    std::vector<unsigned char> pixels(static_cast<size_t>(m_width) * static_cast<size_t>(m_height));
     for (auto const& [glyph, place] : m_places) {
       for (int row = 0; row < glyph->height; ++row) {
         std::copy_n(
             &glyph->coverage[static_cast<size_t>(row) * static_cast<size_t>(glyph->width)], glyph->width,
-            &pixels[static_cast<size_t>(place.second + row) * WIDTH + static_cast<size_t>(place.first)]);
+            &pixels[static_cast<size_t>(place.second + row) * static_cast<size_t>(m_width) +
+                    static_cast<size_t>(place.first)]);
       }
     }
     return pixels;
@@ -97,7 +100,7 @@ class Atlas {
 
  private:
   std::unordered_map<SoGlyphBitmap const*, std::pair<int, int>> m_places;
-  int m_height = 0;
+  int m_width = 1024, m_height = 0;  // wider where a single character is
 };
 
 bool isOnTop(SoDrawList const& list, SoDrawList::Item const& item) {
@@ -121,8 +124,9 @@ void SoGLScreenText::prepare(SoDrawList const& list) {
   int largest = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
   if (atlas.getHeight() == 0) return;
-  if (atlas.getHeight() > largest) {
-    SoDebugError::post("SoText2", "the characters of all texts take more than %d rows of pixels", largest);
+  if (atlas.getHeight() > largest || atlas.getWidth() > largest) {
+    SoDebugError::post("SoText2", "the characters of all texts take %d x %d pixels; %d in each direction is the most",
+                       atlas.getWidth(), atlas.getHeight(), largest);
     return;
   }
   std::vector<Instance> instances;
@@ -151,10 +155,8 @@ void SoGLScreenText::prepare(SoDrawList const& list) {
                instances.data(), GL_STATIC_DRAW);
   glActiveTexture(GL_TEXTURE0 + SoGLProgram::IMAGE_UNIT);
   glBindTexture(GL_TEXTURE_2D, m_texture);
-  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, Atlas::WIDTH, atlas.getHeight(), 0, GL_RED, GL_UNSIGNED_BYTE,
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, atlas.getWidth(), atlas.getHeight(), 0, GL_RED, GL_UNSIGNED_BYTE,
                atlas.draw().data());
-  glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
 }

@@ -8,46 +8,6 @@
 
 namespace {
 
-/// What a variable takes: kind, and components of one value. NONE for types that parameters do not serve.
-struct Shape {
-  SoUniformValue::Kind kind;
-  int components;
-};
-
-Shape shapeOf(unsigned type) {
-  switch (type) {
-    case GL_FLOAT:
-      return {SoUniformValue::FLOATS, 1};
-    case GL_FLOAT_VEC2:
-      return {SoUniformValue::FLOATS, 2};
-    case GL_FLOAT_VEC3:
-      return {SoUniformValue::FLOATS, 3};
-    case GL_FLOAT_VEC4:
-      return {SoUniformValue::FLOATS, 4};
-    case GL_INT:
-    case GL_BOOL:
-    case GL_UNSIGNED_INT:
-      return {SoUniformValue::INTEGERS, 1};
-    case GL_INT_VEC2:
-    case GL_BOOL_VEC2:
-      return {SoUniformValue::INTEGERS, 2};
-    case GL_INT_VEC3:
-    case GL_BOOL_VEC3:
-      return {SoUniformValue::INTEGERS, 3};
-    case GL_INT_VEC4:
-    case GL_BOOL_VEC4:
-      return {SoUniformValue::INTEGERS, 4};
-    case GL_FLOAT_MAT3:
-    case GL_FLOAT_MAT4:
-      return {SoUniformValue::MATRICES, 16};
-    case GL_SAMPLER_2D:
-    case GL_SAMPLER_3D:
-      return {SoUniformValue::IMAGE, 1};
-    default:
-      return {SoUniformValue::NONE, 0};
-  }
-}
-
 std::string describe(SoUniformValue::Kind kind, int components) {
   switch (kind) {
     case SoUniformValue::FLOATS:
@@ -101,6 +61,30 @@ void setMatrices(int location, unsigned type, int count, float const* values) {
   glUniformMatrix3fv(location, count, GL_FALSE, upperLeft.data());
 }
 
+/// As many of the values as there are elements from that one on.
+void setValues(SoGLProgram::Place place, SoUniformValue const& value) {
+  SoGLProgram::Variable const& variable = *place.variable;
+  int const location = variable.locations[static_cast<size_t>(place.element)];
+  bool const isInteger = value.kind == SoUniformValue::INTEGERS;
+  size_t const given = isInteger ? value.integers.size() : value.floats.size();
+  int const count = std::min(static_cast<int>(variable.locations.size()) - place.element,
+                             static_cast<int>(given) / std::max(1, value.components));
+  if (count <= 0) return;
+  if (isInteger) return setIntegers(location, variable.type, value.components, count, value.integers.data());
+  if (value.kind == SoUniformValue::MATRICES) return setMatrices(location, variable.type, count, value.floats.data());
+  setFloats(location, value.components, count, value.floats.data());
+}
+
+/// Gives a variable what it has before any parameter; a sampler, no image.
+void reset(SoGLProgram::Variable const& variable) {
+  if (variable.initial.kind == SoUniformValue::NONE) return;
+  if (variable.initial.kind != SoUniformValue::IMAGE) return setValues({&variable, 0}, variable.initial);
+  for (size_t i = 0; variable.unit && i < variable.locations.size(); ++i) {
+    glActiveTexture(GL_TEXTURE0 + static_cast<unsigned>(variable.unit) + static_cast<unsigned>(i));
+    glBindTexture(variable.type == GL_SAMPLER_3D ? GL_TEXTURE_3D : GL_TEXTURE_2D, 0);
+  }
+}
+
 } // namespace
 
 void SoGLShaders::post(SoDrawShader const& shader, Entry& entry, std::string const& fault) {
@@ -135,60 +119,50 @@ void SoGLShaders::complainAboutGeometry(SoDrawShader const& shader) {
            "' takes another kind of primitive than some shapes have; these are drawn without the program");
 }
 
-std::string SoGLShaders::setVariable(SoGLProgram::Variable const& variable, SoUniformValue const& value,
+std::string SoGLShaders::setVariable(SoGLProgram::Place place, SoUniformValue const& value,
                                      SoDrawTexture const* sceneTexture, SoGLTextures& textures) {
-  auto const [kind, components] = shapeOf(variable.type);
+  SoGLProgram::Variable const& variable = *place.variable;
+  auto const kind = variable.initial.kind;
+  int const components = variable.initial.components;
   bool const fits = kind == value.kind && (kind == SoUniformValue::IMAGE || components == value.components);
   if (!fits) {
     return "is a " + describe(kind, components) + ", its parameter gives a " +
            describe(value.kind, value.components);
   }
-  size_t const given = value.kind == SoUniformValue::INTEGERS ? value.integers.size() : value.floats.size();
-  int const count = std::min(variable.size, static_cast<int>(given) / components);
-  switch (kind) {
-    case SoUniformValue::FLOATS:
-      if (count > 0) setFloats(variable.location, components, count, value.floats.data());
-      break;
-    case SoUniformValue::INTEGERS:
-      if (count > 0) setIntegers(variable.location, variable.type, components, count, value.integers.data());
-      break;
-    case SoUniformValue::MATRICES:
-      if (count > 0) setMatrices(variable.location, variable.type, count, value.floats.data());
-      break;
-    case SoUniformValue::IMAGE: {
-      if (variable.unit == 0) return "is one sampler too many";
-      SoGLTextures::Repeat repeat{value.repeat[0], value.repeat[1], value.repeat[2]};
-      SbImage const* image = &value.image;
-      if (image->isEmpty() && sceneTexture) {
-        image = &sceneTexture->element.image;
-        repeat = {sceneTexture->element.repeatS, sceneTexture->element.repeatT,
-                  sceneTexture->element.repeatR};
-      }
-      if (image->isEmpty()) {
-        glActiveTexture(GL_TEXTURE0 + static_cast<unsigned>(variable.unit));
-        glBindTexture(variable.type == GL_SAMPLER_3D ? GL_TEXTURE_3D : GL_TEXTURE_2D, 0);
-        break;
-      }
-      if ((image->getDepth() > 0) != (variable.type == GL_SAMPLER_3D)) {
-        return image->getDepth() > 0 ? "is a sampler2D, its image has a depth"
-                                     : "is a sampler3D, its image has no depth";
-      }
-      textures.bind(variable.unit, *image, repeat);
-      break;
-    }
-    default:
-      break;
+  if (kind == SoUniformValue::IMAGE) {
+    if (variable.unit == 0) return "is one sampler too many";
+    return setImage(variable, variable.unit + place.element, value, sceneTexture, textures);
   }
+  setValues(place, value);
+  return std::string();
+}
+
+std::string SoGLShaders::setImage(SoGLProgram::Variable const& variable, int unit, SoUniformValue const& value,
+                                  SoDrawTexture const* sceneTexture, SoGLTextures& textures) {
+  SoGLTextures::Repeat repeat{value.repeat[0], value.repeat[1], value.repeat[2]};
+  SbImage const* image = &value.image;
+  if (image->isEmpty() && sceneTexture) {
+    image = &sceneTexture->element.image;
+    repeat = {sceneTexture->element.repeatS, sceneTexture->element.repeatT, sceneTexture->element.repeatR};
+  }
+  if (image->isEmpty()) return std::string();
+  if ((image->getDepth() > 0) != (variable.type == GL_SAMPLER_3D)) {
+    return image->getDepth() > 0 ? "is a sampler2D, its image has a depth"
+                                 : "is a sampler3D, its image has no depth";
+  }
+  textures.bind(unit, *image, repeat);
   return std::string();
 }
 
 void SoGLShaders::setVariables(SoGLProgram const& program, SoDrawShader const& shader,
                                SoDrawTexture const* sceneTexture, SoGLTextures& textures) {
+  // Nodes with the same text share a program: what another one has set must not be seen here.
+  for (auto const& [name, variable] : program.getVariables()) reset(variable);
   for (SoDrawShader::Uniform const& uniform : shader.uniforms) {
-    SoGLProgram::Variable const* const variable =
-        uniform.name.empty() ? program.getVariable(uniform.identifier) : program.getVariable(uniform.name);
-    if (!variable) continue; // a compiler leaves out what a program does not need
-    std::string const fault = setVariable(*variable, uniform.value, sceneTexture, textures);
+    SoGLProgram::Place const place =
+        uniform.name.empty() ? program.find(uniform.identifier) : program.find(uniform.name);
+    if (!place.variable) continue; // a compiler leaves out what a program does not need
+    std::string const fault = setVariable(place, uniform.value, sceneTexture, textures);
     if (!fault.empty()) {
       post(shader, m_entries[shader.sources],
            "the variable '" + (uniform.name.empty() ? std::to_string(uniform.identifier) : uniform.name) +

@@ -41,8 +41,10 @@ class SoGLShaders {
     std::set<std::string> posted; // faults that were told
   };
   void post(SoDrawShader const& shader, Entry& entry, std::string const& fault);
-  std::string setVariable(SoGLProgram::Variable const& variable, SoUniformValue const& value,
-                          SoDrawTexture const* sceneTexture, SoGLTextures& textures);
+  std::string setVariable(SoGLProgram::Place place, SoUniformValue const& value, SoDrawTexture const* sceneTexture,
+                          SoGLTextures& textures);
+  std::string setImage(SoGLProgram::Variable const& variable, int unit, SoUniformValue const& value,
+                       SoDrawTexture const* sceneTexture, SoGLTextures& textures);
 
   std::map<Texts, Entry> m_entries;
   int m_numCompiled = 0;

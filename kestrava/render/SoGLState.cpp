@@ -8,7 +8,13 @@ constexpr unsigned SWITCHES[] = {
     GL_DEPTH_TEST,     GL_BLEND,          GL_CULL_FACE,      GL_SCISSOR_TEST,   GL_STENCIL_TEST,
     GL_PROGRAM_POINT_SIZE, GL_MULTISAMPLE, GL_FRAMEBUFFER_SRGB, GL_DEPTH_CLAMP,
     GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE2, GL_CLIP_DISTANCE3, GL_CLIP_DISTANCE4, GL_CLIP_DISTANCE5,
-    GL_CLIP_DISTANCE6, GL_CLIP_DISTANCE7};
+    GL_CLIP_DISTANCE6, GL_CLIP_DISTANCE7, GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE,
+    GL_COLOR_LOGIC_OP, GL_PRIMITIVE_RESTART, GL_RASTERIZER_DISCARD};
+
+/// What images and tables are uploaded with.
+constexpr unsigned UNPACKING[] = {GL_UNPACK_ALIGNMENT,   GL_UNPACK_ROW_LENGTH,  GL_UNPACK_IMAGE_HEIGHT,
+                                  GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS,   GL_UNPACK_SKIP_IMAGES,
+                                  GL_UNPACK_SWAP_BYTES,  GL_UNPACK_LSB_FIRST};
 
 unsigned asName(int value) { return static_cast<unsigned>(value); }
 
@@ -16,6 +22,7 @@ unsigned asName(int value) { return static_cast<unsigned>(value); }
 
 SoGLState::SoGLState(int numUnits) : m_units(static_cast<size_t>(numUnits)) {
   static_assert(std::size(SWITCHES) == std::tuple_size_v<decltype(m_switches)>);
+  static_assert(std::size(UNPACKING) == std::tuple_size_v<decltype(m_unpacking)>);
   for (size_t i = 0; i < m_switches.size(); ++i) m_switches[i] = {SWITCHES[i], glIsEnabled(SWITCHES[i]) != 0};
   glGetIntegerv(GL_ACTIVE_TEXTURE, &m_activeTexture);
   for (size_t i = 0; i < m_units.size(); ++i) {
@@ -36,7 +43,8 @@ SoGLState::SoGLState(int numUnits) : m_units(static_cast<size_t>(numUnits)) {
   glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &m_arrayBuffer);
   glGetIntegerv(GL_UNIFORM_BUFFER_BINDING, &m_uniformBuffer);
   glGetIntegerv(GL_TEXTURE_BUFFER, &m_textureBuffer);
-  glGetIntegerv(GL_UNPACK_ALIGNMENT, &m_alignment);
+  for (size_t i = 0; i < m_unpacking.size(); ++i) glGetIntegerv(UNPACKING[i], &m_unpacking[i]);
+  glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &m_unpackBuffer);
   glGetIntegerv(GL_VIEWPORT, m_viewport);
   glGetIntegerv(GL_SCISSOR_BOX, m_scissor);
   glGetIntegerv(GL_POLYGON_MODE, m_polygonMode);
@@ -78,7 +86,8 @@ SoGLState::~SoGLState() {
   glBindBuffer(GL_ARRAY_BUFFER, asName(m_arrayBuffer));
   glBindBuffer(GL_UNIFORM_BUFFER, asName(m_uniformBuffer));
   glBindBuffer(GL_TEXTURE_BUFFER, asName(m_textureBuffer));
-  glPixelStorei(GL_UNPACK_ALIGNMENT, m_alignment);
+  for (size_t i = 0; i < m_unpacking.size(); ++i) glPixelStorei(UNPACKING[i], m_unpacking[i]);
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, asName(m_unpackBuffer));
   glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
   glScissor(m_scissor[0], m_scissor[1], m_scissor[2], m_scissor[3]);
   glPolygonMode(GL_FRONT_AND_BACK, asName(m_polygonMode[0]));
@@ -91,4 +100,16 @@ SoGLState::~SoGLState() {
   glLineWidth(m_lineWidth);
   glDepthMask(m_depthMask);
   glColorMask(m_colorMask[0], m_colorMask[1], m_colorMask[2], m_colorMask[3]);
+}
+
+void SoGLState::setPlain() const {
+  for (unsigned name : {GL_STENCIL_TEST, GL_FRAMEBUFFER_SRGB, GL_DEPTH_CLAMP, GL_BLEND, GL_CULL_FACE,
+                        GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP,
+                        GL_PRIMITIVE_RESTART, GL_RASTERIZER_DISCARD}) {
+    glDisable(name);
+  }
+  for (unsigned i = 0; i < 8; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
+  for (size_t i = 1; i < m_unpacking.size(); ++i) glPixelStorei(UNPACKING[i], 0);
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
 }

@@ -17,6 +17,32 @@ bool isHardware() {
   return !renderer.starts_with("llvmpipe") && !renderer.starts_with("softpipe");
 }
 
+/// An image with no more pixels in any direction than that; of one with more, every second, third and so on.
+SbImage reduced(SbImage const& image, int largest) {
+  SbVec3i32 size = image.getSize();
+  if (*std::max_element(&size[0], &size[0] + 3) <= largest) return image;
+  SoDebugError::postWarning("SoGLTextures",
+                            "an image of %d x %d x %d pixels is too large for this graphics system and is shown "
+                            "coarser; %d in each direction is the most",
+                            size[0], size[1], std::max(size[2], 1), largest);
+  int step[3];
+  for (int k = 0; k < 3; ++k) {
+    step[k] = std::max(1, (size[k] + largest - 1) / largest);
+    size[k] = (size[k] + step[k] - 1) / step[k];
+  }
+  SbImage::Bytes bytes;
+  bytes.reserve(SbImage::countBytes(size, image.getNumComponents()));
+  for (int z = 0; z < std::max(size[2], 1); ++z) {
+    for (int y = 0; y < size[1]; ++y) {
+      for (int x = 0; x < size[0]; ++x) {
+        unsigned char const* const pixel = image.getPixel(x * step[0], y * step[1], z * step[2]);
+        bytes.insert(bytes.end(), pixel, pixel + image.getNumComponents());
+      }
+    }
+  }
+  return SbImage(size, image.getNumComponents(), std::move(bytes));
+}
+
 }  // namespace
 
 unsigned SoGLTextures::nameOf(SbImage const& image) {
@@ -27,13 +53,7 @@ unsigned SoGLTextures::nameOf(SbImage const& image) {
   bool const solid = image.getDepth() > 0;
   int largest = 0;
   glGetIntegerv(solid ? GL_MAX_3D_TEXTURE_SIZE : GL_MAX_TEXTURE_SIZE, &largest);
-  if (image.getWidth() > largest || image.getHeight() > largest || image.getDepth() > largest) {
-    SoDebugError::postWarning("SoGLTextures",
-                              "an image of %d x %d x %d pixels is too large for this graphics system; %d in each "
-                              "direction is the most",
-                              image.getWidth(), image.getHeight(), std::max(image.getDepth(), 1), largest);
-    return 0;
-  }
+  SbImage const fitting = reduced(image, largest);
   static unsigned const formats[] = {GL_RED, GL_RG, GL_RGB, GL_RGBA};
   static int const internals[] = {GL_R8, GL_RG8, GL_RGB8, GL_RGBA8};
   unsigned const target = solid ? GL_TEXTURE_3D : GL_TEXTURE_2D;
@@ -41,13 +61,12 @@ unsigned SoGLTextures::nameOf(SbImage const& image) {
   unsigned const format = formats[components - 1];
   glGenTextures(1, &entry.name);
   glBindTexture(target, entry.name);
-  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   if (solid) {
-    glTexImage3D(target, 0, internal, image.getWidth(), image.getHeight(), image.getDepth(), 0, format,
-                 GL_UNSIGNED_BYTE, image.getBytes());
+    glTexImage3D(target, 0, internal, fitting.getWidth(), fitting.getHeight(), fitting.getDepth(), 0, format,
+                 GL_UNSIGNED_BYTE, fitting.getBytes());
   } else {
-    glTexImage2D(target, 0, internal, image.getWidth(), image.getHeight(), 0, format, GL_UNSIGNED_BYTE,
-                 image.getBytes());
+    glTexImage2D(target, 0, internal, fitting.getWidth(), fitting.getHeight(), 0, format, GL_UNSIGNED_BYTE,
+                 fitting.getBytes());
   }
   glGenerateMipmap(target);
   if (components < 3) {
@@ -57,10 +76,9 @@ unsigned SoGLTextures::nameOf(SbImage const& image) {
   return entry.name;
 }
 
-bool SoGLTextures::bind(int unit, SbImage const& image, Repeat const& repeat) {
+void SoGLTextures::bind(int unit, SbImage const& image, Repeat const& repeat) {
   glActiveTexture(static_cast<unsigned>(GL_TEXTURE0 + unit));
   unsigned const name = nameOf(image);
-  if (!name) return false;
   glBindTexture(image.getDepth() > 0 ? GL_TEXTURE_3D : GL_TEXTURE_2D, name);
   unsigned& sampler = m_samplers[repeat[0] + 2 * repeat[1] + 4 * repeat[2]];
   if (!sampler) {
@@ -77,7 +95,6 @@ bool SoGLTextures::bind(int unit, SbImage const& image, Repeat const& repeat) {
     }
   }
   glBindSampler(static_cast<unsigned>(unit), sampler);
-  return true;
 }
 
 void SoGLTextures::beginSweep() {

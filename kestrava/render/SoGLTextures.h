@@ -11,8 +11,8 @@ class SoGLTextures {
  public:
   using Repeat = std::array<bool, 3>;  // in s, t, r
   /// Binds an image to a unit, uploading it first if need be; one with a depth as a texture of three dimensions.
-  /// False, nothing bound, when it is too large.
-  bool bind(int unit, SbImage const& image, Repeat const& repeat);
+  /// One that is too large is shown coarser, which is posted once as a warning.
+  void bind(int unit, SbImage const& image, Repeat const& repeat);
   /// Between these two every image that bind() or keep() is not called for is given up.
   void beginSweep();
   void keep(SbImage const& image);

@@ -203,6 +203,7 @@ void SoHighlightRenderAction::mark(SoNode* root, SbViewVolume const& volume) {
   if (m_mark.lines.empty() && m_mark.triangles.empty()) return;
 
   SoGLState const hostState(0);
+  hostState.setPlain();
   if (!bindObjects()) return;
   SbMatrix view, projection;
   volume.getMatrices(view, projection);
@@ -223,11 +224,6 @@ void SoHighlightRenderAction::mark(SoNode* root, SbViewVolume const& volume) {
   glViewport(origin[0], origin[1], size[0], size[1]);
   glScissor(origin[0], origin[1], size[0], size[1]);
   glEnable(GL_SCISSOR_TEST);
-  glDisable(GL_CULL_FACE);
-  glDisable(GL_BLEND);
-  glDisable(GL_STENCIL_TEST);
-  glDisable(GL_FRAMEBUFFER_SRGB);
-  for (unsigned i = 0; i < 8; ++i) glDisable(GL_CLIP_DISTANCE0 + i);
   glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glEnable(GL_DEPTH_TEST);

@@ -12,10 +12,10 @@ std::atomic<SoMeshIntersector::Factory> ownFactory{nullptr};
 SbBox3f boxOf(SoMesh const& mesh, std::uint32_t const* corners, int count) {
   float const* p = mesh.positions[corners[0]].v;
   float min[3] = {p[0], p[1], p[2]}, max[3] = {p[0], p[1], p[2]};
-  float sum = p[0] + p[1] + p[2];
+  float sum = 0 * p[0] + 0 * p[1] + 0 * p[2];  // 0, or no number
   for (int i = 1; i < count; ++i) {
     p = mesh.positions[corners[i]].v;
-    sum += p[0] + p[1] + p[2];
+    sum += 0 * p[0] + 0 * p[1] + 0 * p[2];
     for (int k = 0; k < 3; ++k) {
       min[k] = p[k] < min[k] ? p[k] : min[k];
       max[k] = p[k] > max[k] ? p[k] : max[k];

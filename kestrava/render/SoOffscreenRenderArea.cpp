@@ -38,6 +38,9 @@ void SoOffscreenRenderArea::setSceneManager(SoSceneManager* manager) {
 void SoOffscreenRenderArea::releaseFramebuffers() {
   glDeleteFramebuffers(2, m_framebuffers);
   glDeleteRenderbuffers(3, m_renderbuffers);
+  // A renderer may get the names next.
+  std::fill(std::begin(m_framebuffers), std::end(m_framebuffers), 0u);
+  std::fill(std::begin(m_renderbuffers), std::end(m_renderbuffers), 0u);
   m_madeSize = SbVec2i32();
 }
 

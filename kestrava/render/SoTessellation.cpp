@@ -22,12 +22,17 @@ float pixelsAcross(SbViewVolume const& volume, SbViewportRegion const& region, S
   return perPixel > 0 ? box.getSize().length() / std::numbers::sqrt3_v<float> / perPixel : 0;
 }
 
-/// As many pieces as keep a circle's corners and its curve apart by no more than a part of a pixel; few
-/// different numbers, so that a small motion seldom asks for another mesh.
-int slicesFor(float value, float pixels) {
+/// As many pieces as keep a circle's corners and its curve apart by no more than a part of a pixel.
+float slicesWanted(float value, float pixels) {
   float const apart = 2 * std::exp2(-5 * inRange(value));
-  float const wanted = std::numbers::pi_v<float> * std::sqrt(pixels / (4 * apart));
-  constexpr int STEPS[] = {8, 12, 16, 24, 32, 48, 64, 96, 128, 192, 256};
+  return std::numbers::pi_v<float> * std::sqrt(pixels / (4 * apart));
+}
+
+constexpr int STEPS[] = {8, 12, 16, 24, 32, 48, 64, 96, 128, 192, 256};
+
+/// Few different numbers, so that many shapes share a mesh.
+int slicesFor(float value, float pixels) {
+  float const wanted = slicesWanted(value, pixels);
   for (int const step : STEPS) {
     if (static_cast<float>(step) >= wanted) return step;
   }
@@ -37,7 +42,11 @@ int slicesFor(float value, float pixels) {
 } // namespace
 
 bool SoTessellation::ScreenSize::fits(SbViewVolume const& volume, SbViewportRegion const& region) const {
-  return slicesFor(value, pixelsAcross(volume, region, box)) == slices;
+  // Among many shapes some stand just at the limit of a step. A quarter coarser than wanted is not seen, and being
+  // too fine harms little: so a list that was made just now serves until something is half as large again.
+  float const pixels = pixelsAcross(volume, region, box);
+  float const wanted = std::clamp(slicesWanted(value, pixels), 0.0f, 256.0f);
+  return wanted <= 1.25f * static_cast<float>(slices) && slicesFor(value, pixels * 8) >= slices;
 }
 
 int SoTessellation::getSlices(SoState const& state, SbBox3f const& bounds) {

@@ -17,6 +17,7 @@ struct SoTessellation {
     SbBox3f box; // in world coordinates
     float value; // of the complexity
     int slices;
+    /// True when what was made then is neither too coarse for this view nor much too fine.
     bool fits(SbViewVolume const& volume, SbViewportRegion const& region) const;
   };
 

@@ -11,9 +11,20 @@ namespace {
 
 using Glyphs = std::map<std::tuple<FT_Face, char32_t, int>, std::shared_ptr<SoGlyphBitmap const>>;
 
+constexpr int FAR = 30000; // pixels
+
+/// So many bytes after the last time, characters that no text has any more are given up: a text whose size
+/// changes with every frame must not fill the memory.
+constexpr size_t MAX_NEW_BYTES = size_t{16} << 20;
+
 /// With the fonts locked and the face at its size.
 std::shared_ptr<SoGlyphBitmap const> glyphOf(FT_Face face, char32_t character, int size) {
   static Glyphs& glyphs = *new Glyphs;
+  static size_t newBytes = 0;
+  if (newBytes > MAX_NEW_BYTES) {
+    std::erase_if(glyphs, [](auto const& entry) { return entry.second.use_count() == 1; });
+    newBytes = 0;
+  }
   auto& known = glyphs[{face, character, size}];
   if (known) return known;
   auto glyph = std::make_shared<SoGlyphBitmap>();
@@ -32,6 +43,7 @@ std::shared_ptr<SoGlyphBitmap const> glyphOf(FT_Face face, char32_t character, i
       }
     }
   }
+  newBytes += sizeof(SoGlyphBitmap) + glyph->coverage.size();
   return known = glyph;
 }
 
@@ -51,11 +63,13 @@ std::shared_ptr<SoTextBitmap const> SoTextBitmap::layOut(std::span<SbString cons
   auto const descent = static_cast<float>(face->size->metrics.descender) / 64;
   double const step = std::isfinite(layout.spacing) ? double{layout.spacing} * size : size;
   for (size_t i = 0; i < lines.size(); ++i) {
+    if (std::abs(static_cast<double>(i) * step) > FAR) break;
     size_t const first = text->glyphs.size();
     int width = 0;
-    int const y = static_cast<int>(std::clamp(-std::round(static_cast<double>(i) * step), -30000.0, 30000.0));
+    int const y = static_cast<int>(-std::round(static_cast<double>(i) * step));
     for (char32_t const character : SoTextOutline::charactersOf(lines[i])) {
-      if (width > 30000) break; // far beyond any screen
+      // Far beyond any screen; characters that stand over others have no width.
+      if (width > FAR || text->glyphs.size() - first > size_t{FAR}) break;
       auto glyph = glyphOf(face, character, size);
       int const advance = glyph->advance;
       text->glyphs.push_back({std::move(glyph), width, y});

@@ -67,8 +67,8 @@ class EarCutter {
     int at = 0;
     int misses = 0;
     while (left > 2) {
-      // A polygon that cuts itself may have no ear left: any corner will do then.
-      if (misses < left && !isEar(at)) {
+      // A polygon that cuts itself may have no ear left, or hide them for long: any corner will do then.
+      if (misses < left && m_looks < MAX_LOOKS * m_points.size() && !isEar(at)) {
         at = m_next[at];
         ++misses;
         continue;
@@ -86,18 +86,23 @@ class EarCutter {
 
  private:
   bool isReflex(int i) const { return cross(m_points[m_previous[i]], m_points[i], m_points[m_next[i]]) < 0; }
-  bool isEar(int i) const {
+  bool isEar(int i) {
     Point const &a = m_points[m_previous[i]], &b = m_points[i], &c = m_points[m_next[i]];
     if (cross(a, b, c) <= 0) return false;
     for (int k = m_next[m_next[i]]; k != m_previous[i]; k = m_next[k]) {
       Point const& p = m_points[k];
+      ++m_looks;
       if (isReflex(k) && isInside(p, a, b, c) && !isSame(p, a) && !isSame(p, b) && !isSame(p, c))
         return false;
     }
     return true;
   }
 
+  /// Corners looked at for each corner that there is: plain polygons stay far below.
+  static constexpr size_t MAX_LOOKS = 20000;
+
   std::vector<Point> m_points;
+  size_t m_looks = 0;
   std::vector<int> m_next, m_previous;
 };
 

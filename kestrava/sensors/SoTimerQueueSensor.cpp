@@ -43,7 +43,8 @@ void SoAlarmSensor::setTime(SbTime moment) {
 void SoAlarmSensor::schedule() {
   // Not longer than a while at a time: the system's clock may be set.
   constexpr double LONGEST = 60;
-  if (!isScheduled()) waitFor(std::clamp((m_moment - SbTime::now()).seconds, 0.0, LONGEST));
+  double const left = (m_moment - SbTime::now()).seconds;
+  if (!isScheduled()) waitFor(left > 0 ? std::min(left, LONGEST) : 0);
 }
 
 void SoAlarmSensor::comeDue() {

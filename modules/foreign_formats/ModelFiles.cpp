@@ -121,7 +121,9 @@ SbString findModelFile(SbString const& model, std::string const& name) {
   std::string given = SbFileHelper::toUnixPath(SbString(name)).str();
   if (given.starts_with("file://")) given.erase(0, 7);
   std::string const decoded = decodePercent(given);
-  for (std::string const& candidate : {given, decoded}) {
+  // What Assimp makes of a name that goes up begins as if it were absolute.
+  std::string const upwards = decoded.starts_with("/..") ? decoded.substr(1) : decoded;
+  for (std::string const& candidate : {given, decoded, upwards}) {
     SbString const found = SoSearchPath::findBeside(model, SbString(candidate));
     if (!found.empty() && isFile(found.str())) return found;
   }
@@ -131,7 +133,7 @@ SbString findModelFile(SbString const& model, std::string const& name) {
   SbString const found = SoSearchPath::findBeside(model, SbString(bare));
   if (!found.empty() && isFile(found.str())) return found;
   std::string const sub =
-      SbFileHelper::isAbsolute(SbString(decoded)) ? "" : SbFileHelper::getDirName(SbString(decoded)).str();
+      SbFileHelper::isAbsolute(SbString(upwards)) ? "" : SbFileHelper::getDirName(SbString(upwards)).str();
   std::string inOtherCase = findInOtherCase(folder + sub, bare);
   if (inOtherCase.empty()) inOtherCase = findInOtherCase(folder, bare);
   return SbString(inOtherCase);

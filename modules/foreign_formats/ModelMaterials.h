@@ -14,15 +14,22 @@
 /// A name in a model; empty for those that Assimp gives to what has none.
 SbName modelName(aiString const& name);
 
+/// From the linear scale, in which glTF gives colours, to the one of images, in which the toolkit works.
+float fromLinear(float value);
+
+class SoTexture2;
+
 /// The materials of a model as nodes, each made once.
 class ModelMaterials {
  public:
-  ModelMaterials(aiScene const& scene, SbString const& model, bool isGltf);
+  ModelMaterials(aiScene const& scene, SbString const& model, bool isGltf, bool isLinear);
 
   struct Look {
     std::vector<SoRef<SoNode>> nodes; // material, texture, and a light model where it is not lit
     SbColor diffuse{1, 1, 1};
     float transparency = 0;
+    bool isLinear = false;  // colours of vertices are
+    bool isOpaque = false;  // whatever alpha images and vertices have
     bool hidesBack = false; // faces seen from behind are not drawn
     int textureChannel = 0; // of the coordinates
     SoRef<SoNode> texture;  // null: none
@@ -31,11 +38,12 @@ class ModelMaterials {
 
  private:
   Look make(aiMaterial const& material);
-  SoRef<SoNode> makeTexture(aiMaterial const& material, aiTextureType type, int& channel);
+  void makeTexture(aiMaterial const& material, aiTextureType type, Look& look);
+  void setImage(SoTexture2& node, char const* path, bool isOpaque, bool mirrorsS, bool mirrorsT);
 
   aiScene const& m_scene;
   SbString m_model;
-  bool m_isGltf, m_isObj;
+  bool m_isGltf, m_isLinear, m_isObj; // linear: its colours
   std::map<unsigned, Look> m_looks;
   std::map<std::string, SoRef<SoNode>> m_textures;
 };

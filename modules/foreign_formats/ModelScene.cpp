@@ -96,10 +96,10 @@ SbMatrix conventionOf(aiScene const& scene) {
 /// Without SoGroup's search for circles, which would go up all the way for every node.
 void append(SoGroup* group, SoNode* child) { group->getChildren()->append(child); }
 
-bool isGltf(aiScene const& scene) {
+bool isFormat(aiScene const& scene, char const* beginning) {
   aiString format;
   return scene.mMetaData && scene.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format) &&
-         std::strncmp(format.C_Str(), "glTF", 4) == 0;
+         std::strncmp(format.C_Str(), beginning, std::strlen(beginning)) == 0;
 }
 
 } // namespace
@@ -107,8 +107,8 @@ bool isGltf(aiScene const& scene) {
 ModelScene::ModelScene(aiScene& scene, SbString const& model, std::function<void(double)> const& progress)
     : m_scene(scene),
       m_progress(progress),
-      m_isGltf(isGltf(scene)),
-      m_materials(scene, model, m_isGltf),
+      m_isGltf(isFormat(scene, "glTF")),
+      m_materials(scene, model, m_isGltf, isFormat(scene, "glTF2")),
       m_convention(makeTransform(conventionOf(scene))) {}
 
 SoRef<SoNode> ModelScene::build() {
@@ -169,7 +169,7 @@ std::vector<SoRef<SoNode>> const& ModelScene::meshNodes(unsigned index) {
   ModelMaterials::Look const& look = m_materials.get(mesh.mMaterialIndex);
   ModelShapes const shapes(mesh, look, m_isGltf);
   if (!shapes.nodes.empty()) {
-    known->second.push_back(hints(look.hidesBack, shapes.hasPolygons, shapes.hasNormals));
+    known->second.push_back(hints(look.hidesBack, shapes));
     known->second.insert(known->second.end(), look.nodes.begin(), look.nodes.end());
     if (look.texture && shapes.hasTexCoords) known->second.push_back(look.texture);
     known->second.insert(known->second.end(), shapes.nodes.begin(), shapes.nodes.end());
@@ -180,15 +180,17 @@ std::vector<SoRef<SoNode>> const& ModelScene::meshNodes(unsigned index) {
   return known->second;
 }
 
-SoRef<SoNode> ModelScene::hints(bool hidesBack, bool hasPolygons, bool hasNormals) {
-  SoRef<SoNode>& known = m_hints[{hidesBack, hasPolygons, hasNormals}];
+SoRef<SoNode> ModelScene::hints(bool hidesBack, ModelShapes const& shapes) {
+  // Where the two differ, exporters take more care of normals; in glTF the order is part of the format.
+  bool const isClockwise = shapes.isClockwise && !m_isGltf;
+  SoRef<SoNode>& known = m_hints[{hidesBack, shapes.hasPolygons, shapes.hasNormals, isClockwise}];
   if (known) return known;
   auto* const node = new SoShapeHints;
   known = SoRef<SoNode>(node);
-  node->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
+  node->vertexOrdering = isClockwise ? SoShapeHints::CLOCKWISE : SoShapeHints::COUNTERCLOCKWISE;
   if (hidesBack) node->shapeType = SoShapeHints::SOLID;
-  if (hasPolygons) node->faceType = SoShapeHints::UNKNOWN_FACE_TYPE;
+  if (shapes.hasPolygons) node->faceType = SoShapeHints::UNKNOWN_FACE_TYPE;
   // glTF wants meshes without normals flat; elsewhere normals were left out because the faces give them.
-  if (!hasNormals && !m_isGltf) node->creaseAngle = CREASE_ANGLE;
+  if (!shapes.hasNormals && !m_isGltf) node->creaseAngle = CREASE_ANGLE;
   return known;
 }

@@ -10,6 +10,8 @@
 #include "kestrava/nodes/SoGroup.h"
 #include "modules/foreign_formats/ModelMaterials.h"
 
+struct ModelShapes;
+
 /// Turns a model that Assimp has read into nodes: its hierarchy as separators, meshes and materials shared,
 /// lights and cameras before all shapes, where they stand through the transformations that they share with
 /// their nodes.
@@ -23,7 +25,7 @@ class ModelScene {
   void buildHierarchy(SoGroup* root);
   void addMeshes(aiNode const& node, SoGroup* group);
   std::vector<SoRef<SoNode>> const& meshNodes(unsigned index);
-  SoRef<SoNode> hints(bool hidesBack, bool hasPolygons, bool hasNormals);
+  SoRef<SoNode> hints(bool hidesBack, ModelShapes const& shapes);
   void addLights(SoGroup* top);
   void addCameras(SoGroup* top);
   /// A group with the transformations that lead to the node of a name; `content` comes after them.
@@ -35,7 +37,7 @@ class ModelScene {
   ModelMaterials m_materials;
   std::map<unsigned, std::vector<SoRef<SoNode>>> m_meshNodes;
   std::map<unsigned, SoRef<SoNode>> m_meshGroups;
-  std::map<std::tuple<bool, bool, bool>, SoRef<SoNode>> m_hints;
+  std::map<std::tuple<bool, bool, bool, bool>, SoRef<SoNode>> m_hints;
   std::map<aiNode const*, SoRef<SoNode>> m_transforms; // of the nodes that have one
   SoRef<SoNode> m_convention; // turns the model's units and axes into the toolkit's; null: they are
 };

@@ -33,6 +33,8 @@ class Corners : public Arrays {
     m_texCoords = mesh.HasTextureCoords(used) ? mesh.mTextureCoords[used] : nullptr;
     m_tint = tinted ? look.diffuse : SbColor(1, 1, 1);
     m_opacity = 1 - look.transparency;
+    m_isOpaque = look.isOpaque;
+    m_isLinear = look.isLinear;
     if (isUnindexed()) {
       join();
     } else {
@@ -54,9 +56,10 @@ class Corners : public Arrays {
   }
 
   std::uint32_t colorOf(unsigned i) const {
-    aiColor4D const& c = m_mesh.mColors[0][i];
+    aiColor4D c = m_mesh.mColors[0][i];
+    if (m_isLinear) c = aiColor4D(fromLinear(c.r), fromLinear(c.g), fromLinear(c.b), c.a);
     return toByte(c.r * m_tint[0]) << 24 | toByte(c.g * m_tint[1]) << 16 | toByte(c.b * m_tint[2]) << 8 |
-           toByte(c.a * m_opacity);
+           toByte(m_isOpaque ? 1.0f : c.a * m_opacity);
   }
 
   void add(unsigned i) {
@@ -127,6 +130,7 @@ class Corners : public Arrays {
   aiVector3D const* m_texCoords = nullptr;
   SbColor m_tint{1, 1, 1};
   float m_opacity = 1;
+  bool m_isOpaque = false, m_isLinear = false;
   std::vector<std::int32_t> m_joined; // corner of the mesh to that of the fields; empty: the same
 };
 
@@ -152,6 +156,23 @@ Arrays pickPoints(Arrays const& from, std::vector<std::int32_t> const& indices) 
   return to;
 }
 
+/// True when the corners of most faces go round the other way than their normals say.
+bool turnsAgainstNormals(aiMesh const& mesh) {
+  long against = 0, all = 0;
+  for (unsigned i = 0; mesh.HasNormals() && i < mesh.mNumFaces; ++i) {
+    aiFace const& face = mesh.mFaces[i];
+    if (face.mNumIndices < 3) continue;
+    unsigned const* const k = face.mIndices;
+    if (k[0] >= mesh.mNumVertices || k[1] >= mesh.mNumVertices || k[2] >= mesh.mNumVertices) continue;
+    auto const* const points = mesh.mVertices;
+    float const side = ((points[k[1]] - points[k[0]]) ^ (points[k[2]] - points[k[0]])) *
+                       (mesh.mNormals[k[0]] + mesh.mNormals[k[1]] + mesh.mNormals[k[2]]);
+    ++all;
+    against += side < 0 ? 1 : 0;
+  }
+  return 2 * against > all;
+}
+
 /// Segments that go on where the one before ends are one line.
 void addSegment(std::vector<std::int32_t>& lines, std::int32_t from, std::int32_t to) {
   if (lines.size() > 1 && lines[lines.size() - 2] == from) {
@@ -168,6 +189,7 @@ ModelShapes::ModelShapes(aiMesh const& mesh, ModelMaterials::Look const& look, b
   Corners corners(mesh, look, tinted);
   hasNormals = !corners.normals.empty();
   hasTexCoords = !corners.texCoords.empty();
+  isClockwise = turnsAgainstNormals(mesh);
 
   std::vector<std::int32_t> faces, lines, points;
   faces.reserve(std::size_t(mesh.mNumFaces) * 4);

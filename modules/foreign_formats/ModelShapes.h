@@ -16,4 +16,5 @@ struct ModelShapes {
   bool hasPolygons = false; // with more than three corners
   bool hasNormals = false;
   bool hasTexCoords = false;
+  bool isClockwise = false; // most faces, seen from where their normals point
 };

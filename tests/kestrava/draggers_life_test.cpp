@@ -76,7 +76,9 @@ TEST(DraggersLife, TheHandleUnderThePointerShowsIt) {
   EXPECT_EQ(look("xTranslator"), SoDraggerHandle::ACTIVE);
   EXPECT_EQ(look("yTranslator"), SoDraggerHandle::NORMAL);
   rig.release(arrow);
-  EXPECT_EQ(look("xTranslator"), SoDraggerHandle::NORMAL);
+  EXPECT_EQ(look("xTranslator"), SoDraggerHandle::POINTED_AT);
+  rig.move(SbVec2s(-1, 30));
+  EXPECT_EQ(look("xTranslator"), SoDraggerHandle::NORMAL) << "the pointer has left the view";
 }
 
 TEST(DraggersLife, DragsThePlaceThatWasPicked) {

@@ -98,6 +98,19 @@ TEST(MeshDetails, AListIsMadeAnewOnlyWhenAShapeHasToBecomeFinerOrCoarser) {
   EXPECT_EQ(trianglesFrom(4), near);
 }
 
+TEST(MeshDetails, AmongManyShapesASmallMoveMakesNothingAnew) {
+  std::string text = "Separator { Complexity { type SCREEN_SPACE } ";
+  for (int i = 0; i < 500; ++i) text += "Translation { translation 0 0 -0.1 } Sphere {} ";
+  SoRef<SoNode> const root = readText(text + "}");
+  SoRef<SoPerspectiveCamera> const camera(new SoPerspectiveCamera);
+  SoDrawList list;
+  for (int i = 0; i < 100; ++i) {
+    camera->position = SbVec3f(0, 0, 8 - 0.01f * static_cast<float>(i));
+    list.update(root, {SbViewportRegion(500, 500), camera, camera->getViewVolume(1)});
+  }
+  EXPECT_LE(list.getNumRebuilds(), 3);
+}
+
 TEST(MeshDetails, BoxesStandForAllShapesWhereTheComplexityAsksForThem) {
   std::string const points = "Coordinate3 { point [ 1 2 3, 2 4 6, 0 3 4 ] } ";
   char const* const shapes[] = {"Sphere {}",

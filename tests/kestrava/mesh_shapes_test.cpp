@@ -1,5 +1,7 @@
+#include <chrono>
 #include <cmath>
 #include <map>
+#include <random>
 #include <set>
 
 #include "kestrava/actions/SoCallbackAction.h"
@@ -210,6 +212,16 @@ TEST(MeshShapes, ConcaveFacesAreFilledExactly) {
   std::vector<int> triangles;
   SoTriangulate(comb, false, triangles);
   EXPECT_EQ(triangles.size(), 3 * (comb.size() - 2));
+  // So does one that cuts itself everywhere, where hardly any corner can be cut off.
+  std::mt19937 random(1);
+  std::uniform_real_distribution<float> place;
+  std::vector<SbVec3f> tangle;
+  for (int i = 0; i < 10000; ++i) tangle.emplace_back(place(random), place(random), 0.0f);
+  triangles.clear();
+  auto const start = std::chrono::steady_clock::now();
+  SoTriangulate(tangle, false, triangles);
+  EXPECT_EQ(triangles.size(), 3 * (tangle.size() - 2));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
 }
 
 TEST(MeshShapes, CreaseAngleDecidesWhereNormalsAreSmooth) {

@@ -199,6 +199,16 @@ TEST(Frame, HostsContextAndStateStay) {
   glClearColor(0.25f, 0.5f, 0.75f, 1);
   glBlendFunc(GL_ONE, GL_ONE);
   glViewport(3, 4, 5, 6);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 5000);
+  glPixelStorei(GL_UNPACK_SKIP_PIXELS, 3);
+  glEnable(GL_COLOR_LOGIC_OP);
+  glLogicOp(GL_CLEAR);
+  glEnable(GL_PRIMITIVE_RESTART);
+  glPrimitiveRestartIndex(0);
+  unsigned upload;
+  glGenBuffers(1, &upload);
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, upload);
+  glBufferData(GL_PIXEL_UNPACK_BUFFER, 1 << 20, nullptr, GL_STATIC_DRAW);
 
   unsigned framebuffer, renderbuffer;
   glGenFramebuffers(1, &framebuffer);
@@ -208,11 +218,17 @@ TEST(Frame, HostsContextAndStateStay) {
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, renderbuffer);
 
-  SoRef<SoNode> const root = readScene("Separator { Texture2 { image 1 1 3 0xff0000 } Cube {} ClipPlane {} Cone {} }");
+  SoRef<SoNode> const root = readScene(
+      "Separator { LightModel { model BASE_COLOR } Texture2 { image 1 2 3 0xff0000 0xff0000 } Cube {} ClipPlane {} "
+      "Cone {} }");
   SoGLRenderAction action(SbViewportRegion(64, 64));
   action.apply(root);
   SbImage image;
   EXPECT_TRUE(areaOf(root)->renderToImage(image));  // its own context comes and goes
+  unsigned char middle[4];
+  glReadPixels(32, 32, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, middle);
+  EXPECT_GT(middle[0], 150);  // the image as it is, whatever the host does with its own
+  EXPECT_LT(middle[1], 20);
 
   int value[4];
   auto get = [&](unsigned name) {
@@ -227,6 +243,9 @@ TEST(Frame, HostsContextAndStateStay) {
   EXPECT_EQ(get(GL_CURRENT_PROGRAM), 0u);
   EXPECT_EQ(get(GL_DEPTH_WRITEMASK), 0u);
   EXPECT_EQ(get(GL_VIEWPORT), 3u);
+  EXPECT_EQ(get(GL_UNPACK_ROW_LENGTH), 5000u);
+  EXPECT_EQ(get(GL_PIXEL_UNPACK_BUFFER_BINDING), upload);
+  EXPECT_TRUE(glIsEnabled(GL_COLOR_LOGIC_OP));
   EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
   EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
   EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));

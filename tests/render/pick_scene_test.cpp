@@ -1,6 +1,7 @@
 #include <random>
 
 #include "kestrava/actions/SoRayPickAction.h"
+#include "kestrava/nodes/SoCallback.h"
 #include "kestrava/nodes/SoPerspectiveCamera.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoTranslation.h"
@@ -84,6 +85,37 @@ TEST(PickScene, CoordinatesThatAreNoNumbersHideNothing) {
   auto const line = pickAt(root, 50, 24, false);
   ASSERT_EQ(line.size(), 1u);
   EXPECT_EQ(line[0].getDetail().lineIndex, 2);
+}
+
+TEST(PickScene, HugeCoordinatesAreMet) {
+  // Sums of three of these are no numbers any more.
+  SoRef<SoNode> const root = readScene(
+      "Separator { Coordinate3 { point [ 1.5e38 1.5e38 1.5e38, 1.6e38 1.5e38 1.5e38, 1.5e38 1.6e38 1.5e38 ] } "
+      "DEF huge FaceSet {} }");
+  SoRayPickAction pick(SbViewportRegion(100, 100));
+  pick.setRay(SbVec3f(1.51e38f, 1.51e38f, 1.6e38f), SbVec3f(0, 0, -1));
+  pick.apply(root);
+  ASSERT_TRUE(pick.getPickedPoint());
+  EXPECT_EQ(nameOf(*pick.getPickedPoint()), SbName("huge"));
+}
+
+TEST(PickScene, ACallbackMayTakeAwayWhatTheListHasSeen) {
+  SoRef<SoSeparator> const root(static_cast<SoSeparator*>(
+      readScene("Separator { " + CAMERA + "Separator { DEF gone Cube {} } Callback {} DEF stays Sphere {} }").get()));
+  static_cast<SoCallback*>(root->getChild(2))->setCallback([](void* data, SoAction*) {
+    auto* const group = static_cast<SoSeparator*>(data);
+    if (group->getNumChildren() == 4) group->removeChild(1);
+  }, root.get());
+  for (int i = 0; i < 2; ++i) {
+    auto const met = pickAt(root, 50, 50);
+    ASSERT_FALSE(met.empty());
+    // The list may be one change behind, never at what is no more.
+    EXPECT_TRUE(nameOf(met.back()) == SbName("gone") || nameOf(met.back()) == SbName("stays"));
+  }
+  SoDrawList list;
+  list.update(root, {SbViewportRegion(100, 100), nullptr, {}});
+  ASSERT_EQ(list.getItems().size(), 1u);
+  EXPECT_EQ(list.getPath(0)->getTail()->getName(), SbName("stays"));
 }
 
 TEST(PickScene, TellsWhereInTheDataAHitComesFrom) {

@@ -166,6 +166,40 @@ TEST(Shaders, SamplerWithoutTextureReadsThatOfTheScene) {
   EXPECT_TRUE(picture.shows(0.8f, 0, 0, 255, 0));
 }
 
+TEST(Shaders, NodesWithTheSameTextDoNotSeeEachOthersValues) {
+  std::string const source =
+      "uniform float v = 0.2; uniform vec3 a[2]; uniform mat3 m = mat3(0.4); uniform sampler2D t; uniform bool b; "
+      "void main() { ksFragColor = vec4(b ? 0.0 : v, a[1].x + m[1][1], texture(t, vec2(0.5)).b, 1.0); }";
+  std::string const all =
+      "ShaderParameter1f { name \"v\" value 1 } ShaderParameterArray3f { name \"a\" value [0 0 0, 0.6 0 0] } "
+      "ShaderParameterMatrix { name \"m\" value 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 } ShaderParameter1i { name \"b\" } "
+      "ShaderParameterSampler2D { name \"t\" texture Texture2 { image 1 1 3 0x0000ff } }";
+  auto const shape = [&](float x, std::string const& parameters) {
+    return "Separator { Translation { translation " + std::to_string(x) + " 0 0 } " +
+           program(stage("Fragment", source, parameters)) + square(0.5f) + "} ";
+  };
+  Picture const picture("Separator { " + shape(-1, all) + shape(1, "") + "}");
+  EXPECT_TRUE(picture.shows(-1, 0, 255, 153, 255));
+  EXPECT_TRUE(picture.shows(1, 0, 51, 102, 0));
+}
+
+TEST(Shaders, PartsOfArraysAndNamesLikeTheToolkits) {
+  std::string const source =
+      "uniform float v[4]; uniform float ksGlow; uniform sampler2D t[2]; void main() { "
+      "ksFragColor = vec4(v[0] + v[1] * 0.1, v[2] + v[3], ksGlow * texture(t[0], vec2(0.5)).g * texture(t[1], "
+      "vec2(0.5)).b, 1.0); }";
+  std::string const parameters =
+      "ShaderParameter1f { name \"v[1]\" value 4 } ShaderParameterArray1f { name \"v[2]\" value [0.5, 0.3, 7, 8] } "
+      "ShaderParameter1f { name \"v[4]\" value 9 } ShaderParameter1f { name \"v[]\" value 9 } "
+      "ShaderParameter1f { name \"v[-1]\" value 9 } ShaderParameter1f { name \"ksGlow\" value 1 } "
+      "ShaderParameterSampler2D { name \"t[0]\" texture Texture2 { image 1 1 3 0x00ff00 } } "
+      "ShaderParameterSampler2D { name \"t[1]\" texture Texture2 { image 1 1 3 0x0000ff } }";
+  Errors<SoDebugError> errors;
+  Picture const picture("Separator { " + program(stage("Fragment", source, parameters)) + square(1) + "}");
+  EXPECT_TRUE(picture.shows(0, 0, 102, 204, 255));
+  EXPECT_TRUE(errors.texts.empty()) << errors.texts[0];
+}
+
 TEST(Shaders, FaultsAreToldOnceAndTheShapeIsDrawnAsUsual) {
   SoRef<SoNode> const root =
       readScene("Separator { " + UNLIT +

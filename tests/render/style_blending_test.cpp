@@ -1,5 +1,9 @@
 // Transparency of all types, and pictures on transparent ground.
 
+#include <numbers>
+
+#include "kestrava/nodes/SoOrthographicCamera.h"
+#include "kestrava/nodes/SoRotationXYZ.h"
 #include "tests/render/Picture.h"
 
 namespace {
@@ -69,6 +73,43 @@ TEST(Blending, TrianglesThatPassThroughEachOther) {
     EXPECT_TRUE(picture.shows(turn > 0 ? -0.7f : 0.7f, 0.1f, 128, 64, 0)); // red is nearer
     EXPECT_TRUE(picture.shows(turn > 0 ? 0.7f : -0.7f, 0.1f, 64, 128, 0));
   }
+}
+
+TEST(Blending, SortedTrianglesThatLooksShareAreDrawnForEach) {
+  // The same place twice, in looks that differ in what faces do not show; a corner is nowhere.
+  std::string const scene =
+      "Separator { " + UNLIT +
+      "Material { diffuseColor 1 0 0 transparency 0.5 } Coordinate3 { point [-1 -1 0, 1 -1 0, 1 1 0, -1 1 0, nan 0 0] } "
+      "DEF quad IndexedFaceSet { coordIndex [0 1 2 3 -1 0 1 4 -1 1 2 4 -1] } DrawStyle { lineWidth 3 } USE quad }";
+  Picture const picture(draw(scene, SoGLRenderer::SORTED_TRIANGLES));
+  for (float x : {-0.7f, 0.7f}) EXPECT_TRUE(picture.shows(x, 0.1f, 191, 0, 0)) << x;
+}
+
+TEST(Blending, TheOrderFollowsTheViewAndTheScene) {
+  SoRef<SoNode> const root = readScene("Separator { " + UNLIT + "DEF turned RotationXYZ { axis Y } " +
+                                       sheet("1 0 0", 0.1f) + sheet("0 1 0", -0.1f) + "}");
+  auto* const turned = static_cast<SoRotationXYZ*>(SoNode::getByName("turned"));
+  SoRef<SoOrthographicCamera> const camera(new SoOrthographicCamera);
+  camera->position = SbVec3f(0, 0, 10);
+  SoRef<SoOffscreenRenderArea> const area(new SoOffscreenRenderArea);
+  area->setSize(SbVec2i32(20, 20));
+  area->setSceneGraph(root);
+  area->setCamera(camera);
+  area->getGLRenderAction().setTransparencyType(SoGLRenderer::SORTED_TRIANGLES);
+  auto const redIsInFront = [&] {
+    SbImage image;
+    EXPECT_TRUE(area->renderToImage(image));
+    return image.getPixel(10, 10)[0] > image.getPixel(10, 10)[1];
+  };
+  EXPECT_TRUE(redIsInFront());
+  int const seen = area->getGLRenderAction().getRenderer().getStatistics().rangesSeen;
+  EXPECT_TRUE(redIsInFront());
+  EXPECT_EQ(area->getGLRenderAction().getRenderer().getStatistics().rangesSeen, seen);
+  camera->position = SbVec3f(0, 0, -10);
+  camera->orientation = SbRotation(SbVec3f(0, 1, 0), std::numbers::pi_v<float>);
+  EXPECT_FALSE(redIsInFront());
+  turned->angle = std::numbers::pi_v<float>;
+  EXPECT_TRUE(redIsInFront());
 }
 
 TEST(Blending, FarSideOfGlassIsSeenThroughTheNearSide) {

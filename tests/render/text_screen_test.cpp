@@ -60,6 +60,20 @@ TEST(TextScreen, StandsInPixelsAroundItsPoint) {
             SbVec2f());
 }
 
+TEST(TextScreen, HugeTextsEndBeyondTheScreen) {
+  std::vector<SbString> lines(200000, SbString("H"));
+  std::string marks = "\xff\xc3(H";  // no UTF-8
+  for (int i = 0; i < 100000; ++i) marks += "\xcc\x81";  // accents have no width
+  lines[0] = SbString(marks);
+  lines[1] = SbString(std::string(1000000, 'H'));
+  SbString error;
+  auto const text = SoTextBitmap::layOut(lines, {}, error);
+  ASSERT_TRUE(text);
+  EXPECT_LT(text->glyphs.size(), 70000u);
+  EXPECT_LT(text->box.getSize()[0], 31000);
+  EXPECT_LT(text->box.getSize()[1], 31000);
+}
+
 TEST(TextScreen, IsHiddenByWhatStandsBeforeItsPoint) {
   auto const shows = [](std::string const& scene) {
     SbImage const image = Picture("Separator { Font { size 40 } " + scene + " }").image();

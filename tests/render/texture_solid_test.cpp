@@ -4,6 +4,7 @@
 
 #include "kestrava/base/SbImageWriter.h"
 #include "kestrava/base/SoError.h"
+#include "kestrava/nodes/SoTexture2.h"
 #include "kestrava/nodes/SoTexture3.h"
 #include "tests/render/Picture.h"
 
@@ -91,6 +92,27 @@ TEST(SolidTexture, FlatAndSolidTexturesStandSideBySide) {
   EXPECT_TRUE(picture.shows(-1.3f, 0, 128, 0, 128)); // flat: half way between the slices
   EXPECT_TRUE(picture.shows(1, 0, 0, 255, 255));
   EXPECT_TRUE(picture.shows(0, 1.5f, 255, 255, 255));
+}
+
+TEST(Texture, AnImageThatIsTooLargeIsShownCoarser) {
+  // Left half red, right half green, wider than most systems can do.
+  constexpr int WIDTH = 40000;
+  SbImage::Bytes bytes;
+  for (int x = 0; x < WIDTH; ++x) {
+    bool const left = x < WIDTH / 2;
+    bytes.insert(bytes.end(), {static_cast<unsigned char>(left ? 255 : 0), static_cast<unsigned char>(left ? 0 : 255), 0});
+  }
+  SoRef<SoNode> const root = readScene("Separator { " + UNLIT +
+                                       WHITE + "DEF wide Texture2 {} TextureCoordinate2 { point [0 0, 1 0, 1 1, 0 1] } " +
+                                       square(1) + "}");
+  static_cast<SoTexture2*>(SoNode::getByName("wide"))->image = SbImage(SbVec2i32(WIDTH, 1), 3, std::move(bytes));
+  int warnings = 0;
+  SoDebugError::setHandlerCallback([](SoError const*, void* data) { ++*static_cast<int*>(data); }, &warnings);
+  Picture const picture(root);
+  SoDebugError::setHandlerCallback(nullptr);
+  EXPECT_LE(warnings, 1);
+  EXPECT_TRUE(picture.shows(-0.5f, 0, 255, 0, 0));
+  EXPECT_TRUE(picture.shows(0.5f, 0, 0, 255, 0));
 }
 
 TEST(TextureCoordinates, PlaneAndReflection) {
