@@ -70,7 +70,7 @@ TEST(EventsListeners, AreFoundWithTheStateThatTheyStandIn) {
   offer(root);
   EXPECT_EQ(inLast.count, 1) << "it came after the first look";
   EXPECT_EQ(inLast.x, 7) << "what a group in front does counts, what a separator does not";
-  // At three places from now on.
+  // At four places from now on.
   silent->addChild(inSilent.node);
   root->addChild(atEnd.node);
   offer(root);
