@@ -35,7 +35,9 @@ std::vector<SbVec3f> edgesAlong(int axis) {
 
 } // namespace
 
-void SoTransformDragger::addSides(SoKitPart* const (&parts)[6]) {
+SoBoxDragger::SoBoxDragger() : SoTransformDragger(BOX) {
+  SoKitPart* const parts[] = {&translator1, &translator2, &translator3,
+                              &translator4, &translator5, &translator6};
   for (int i = 0; i < 6; ++i) {
     int const axis = i / 2;
     SbVec3f const u = axisOf((axis + 1) % 3), v = axisOf((axis + 2) % 3),
@@ -47,8 +49,7 @@ void SoTransformDragger::addSides(SoKitPart* const (&parts)[6]) {
   }
 }
 
-SoHandleBoxDragger::SoHandleBoxDragger() : SoTransformDragger(BOX) {
-  addSides({&translator1, &translator2, &translator3, &translator4, &translator5, &translator6});
+SoHandleBoxDragger::SoHandleBoxDragger() {
   addHandle(scaler, Gesture::SCALE_EVENLY, X, plainColor(), cube(), corners());
   SoKitPart* const scalers[] = {&xScaler, &yScaler, &zScaler};
   for (int i = 0; i < 3; ++i) {
@@ -56,8 +57,7 @@ SoHandleBoxDragger::SoHandleBoxDragger() : SoTransformDragger(BOX) {
   }
 }
 
-SoTransformBoxDragger::SoTransformBoxDragger() : SoTransformDragger(BOX) {
-  addSides({&translator1, &translator2, &translator3, &translator4, &translator5, &translator6});
+SoTransformBoxDragger::SoTransformBoxDragger() {
   addHandle(scaler, Gesture::SCALE_EVENLY, X, plainColor(), cube(), corners());
   SoKitPart* const rotators[] = {&xRotator, &yRotator, &zRotator};
   for (int i = 0; i < 3; ++i) {
@@ -66,8 +66,7 @@ SoTransformBoxDragger::SoTransformBoxDragger() : SoTransformDragger(BOX) {
   }
 }
 
-SoTabBoxDragger::SoTabBoxDragger() : SoTransformDragger(BOX) {
-  addSides({&translator1, &translator2, &translator3, &translator4, &translator5, &translator6});
+SoTabBoxDragger::SoTabBoxDragger() {
   addHandle(scaler, Gesture::SCALE_EVENLY, X, plainColor(), cube(0.075f), corners());
   SoKitPart* const scalers[] = {&xScaler, &yScaler, &zScaler};
   for (int i = 0; i < 3; ++i) {
@@ -77,8 +76,7 @@ SoTabBoxDragger::SoTabBoxDragger() : SoTransformDragger(BOX) {
   }
 }
 
-SoTransformerDragger::SoTransformerDragger() : SoTransformDragger(BOX) {
-  addSides({&translator1, &translator2, &translator3, &translator4, &translator5, &translator6});
+SoTransformerDragger::SoTransformerDragger() {
   addHandle(scaler, Gesture::SCALE_EVENLY, X, plainColor(), cube(), corners());
   SoKitPart* const scalers[] = {&xScaler, &yScaler, &zScaler};
   SoKitPart* const rotators[] = {&xRotator, &yRotator, &zRotator};

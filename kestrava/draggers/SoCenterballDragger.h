@@ -8,20 +8,13 @@ class SoCenterballDragger : public SoTransformDragger {
   SO_NODE(SoCenterballDragger, SoTransformDragger)
   SoCenterballDragger();
 
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
-  SoKitPart xRotator{this, "xRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
-  SoKitPart yRotator{this, "yRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
-  SoKitPart zRotator{this, "zRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
-  SoKitPart yzCenterChanger{this, "yzCenterChanger", SoSeparator::getClassTypeId(),
-                            SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xzCenterChanger{this, "xzCenterChanger", SoSeparator::getClassTypeId(),
-                            SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xyCenterChanger{this, "xyCenterChanger", SoSeparator::getClassTypeId(),
-                            SoDraggerHandle::getClassTypeId(), "this"};
+  SoHandlePart rotator{this, "rotator"};
+  SoHandlePart xRotator{this, "xRotator"};
+  SoHandlePart yRotator{this, "yRotator"};
+  SoHandlePart zRotator{this, "zRotator"};
+  SoHandlePart yzCenterChanger{this, "yzCenterChanger"};
+  SoHandlePart xzCenterChanger{this, "xzCenterChanger"};
+  SoHandlePart xyCenterChanger{this, "xyCenterChanger"};
 
  protected:
   ~SoCenterballDragger() override = default;

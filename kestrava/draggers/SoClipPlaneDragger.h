@@ -10,12 +10,9 @@ class SoClipPlaneDragger : public SoDragger {
 
   SoSFVec3f translation{this, "translation"};
   SoSFRotation rotation{this, "rotation"};
-  SoKitPart zTranslator{this, "zTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
-  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                       "this"};
+  SoHandlePart zTranslator{this, "zTranslator"};
+  SoHandlePart rotator{this, "rotator"};
+  SoHandlePart translator{this, "translator"};
 
  protected:
   ~SoClipPlaneDragger() override = default;

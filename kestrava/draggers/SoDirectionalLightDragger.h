@@ -10,9 +10,8 @@ class SoDirectionalLightDragger : public SoDragger {
 
   SoSFVec3f translation{this, "translation"};
   SoSFRotation rotation{this, "rotation"};
-  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart point{this, "point"};
+  SoHandlePart rotator{this, "rotator"};
 
  protected:
   ~SoDirectionalLightDragger() override = default;

@@ -9,19 +9,13 @@ class SoDragPointDragger : public SoDragger {
   SoDragPointDragger();
 
   SoSFVec3f translation{this, "translation"};
-  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xTranslator{this, "xTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart yTranslator{this, "yTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart zTranslator{this, "zTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart yzTranslator{this, "yzTranslator", SoSeparator::getClassTypeId(),
-                         SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xzTranslator{this, "xzTranslator", SoSeparator::getClassTypeId(),
-                         SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xyTranslator{this, "xyTranslator", SoSeparator::getClassTypeId(),
-                         SoDraggerHandle::getClassTypeId(), "this"};
+  SoHandlePart point{this, "point"};
+  SoHandlePart xTranslator{this, "xTranslator"};
+  SoHandlePart yTranslator{this, "yTranslator"};
+  SoHandlePart zTranslator{this, "zTranslator"};
+  SoHandlePart yzTranslator{this, "yzTranslator"};
+  SoHandlePart xzTranslator{this, "xzTranslator"};
+  SoHandlePart xyTranslator{this, "xyTranslator"};
 
  protected:
   ~SoDragPointDragger() override = default;

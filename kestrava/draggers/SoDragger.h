@@ -27,6 +27,13 @@ class SoDraggerOwner {
   ~SoDraggerOwner() = default;
 };
 
+/// The part of a dragger that holds one of its handles.
+class SoHandlePart : public SoKitPart {
+ public:
+  SoHandlePart(SoBaseKit* kit, char const* name)
+      : SoKitPart(kit, name, SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this") {}
+};
+
 /// Base of the kits that a user moves in the view to change something.
 ///
 /// Its parts are its handles. While a handle is dragged, the pointer sets the dragger's fields

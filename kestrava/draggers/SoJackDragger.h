@@ -7,16 +7,12 @@ class SoJackDragger : public SoTransformDragger {
   SO_NODE(SoJackDragger, SoTransformDragger)
   SoJackDragger();
 
-  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xTranslator{this, "xTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart yTranslator{this, "yTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart zTranslator{this, "zTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart scaler{this, "scaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart point{this, "point"};
+  SoHandlePart xTranslator{this, "xTranslator"};
+  SoHandlePart yTranslator{this, "yTranslator"};
+  SoHandlePart zTranslator{this, "zTranslator"};
+  SoHandlePart scaler{this, "scaler"};
+  SoHandlePart rotator{this, "rotator"};
 
  protected:
   ~SoJackDragger() override = default;

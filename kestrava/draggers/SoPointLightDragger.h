@@ -8,13 +8,10 @@ class SoPointLightDragger : public SoDragger {
   SoPointLightDragger();
 
   SoSFVec3f translation{this, "translation"};
-  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xTranslator{this, "xTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart yTranslator{this, "yTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
-  SoKitPart zTranslator{this, "zTranslator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                        "this"};
+  SoHandlePart point{this, "point"};
+  SoHandlePart xTranslator{this, "xTranslator"};
+  SoHandlePart yTranslator{this, "yTranslator"};
+  SoHandlePart zTranslator{this, "zTranslator"};
 
  protected:
   ~SoPointLightDragger() override = default;

@@ -8,8 +8,7 @@ class SoRotateCylindricalDragger : public SoDragger {
   SoRotateCylindricalDragger();
 
   SoSFRotation rotation{this, "rotation"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart rotator{this, "rotator"};
 
  protected:
   ~SoRotateCylindricalDragger() override = default;

@@ -8,8 +8,7 @@ class SoRotateDiscDragger : public SoDragger {
   SoRotateDiscDragger();
 
   SoSFRotation rotation{this, "rotation"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart rotator{this, "rotator"};
 
  protected:
   ~SoRotateDiscDragger() override = default;

@@ -8,8 +8,7 @@ class SoRotateSphericalDragger : public SoDragger {
   SoRotateSphericalDragger();
 
   SoSFRotation rotation{this, "rotation"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart rotator{this, "rotator"};
 
  protected:
   ~SoRotateSphericalDragger() override = default;

@@ -8,7 +8,7 @@ class SoScale1Dragger : public SoDragger {
   SoScale1Dragger();
 
   SoSFVec3f scaleFactor{this, "scaleFactor", SbVec3f(1, 1, 1)};
-  SoKitPart scaler{this, "scaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
+  SoHandlePart scaler{this, "scaler"};
 
  protected:
   ~SoScale1Dragger() override = default;

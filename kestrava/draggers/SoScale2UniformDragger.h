@@ -8,7 +8,7 @@ class SoScale2UniformDragger : public SoDragger {
   SoScale2UniformDragger();
 
   SoSFVec3f scaleFactor{this, "scaleFactor", SbVec3f(1, 1, 1)};
-  SoKitPart scaler{this, "scaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
+  SoHandlePart scaler{this, "scaler"};
 
  protected:
   ~SoScale2UniformDragger() override = default;

@@ -11,10 +11,9 @@ class SoSpotLightDragger : public SoDragger {
   SoSFVec3f translation{this, "translation"};
   SoSFRotation rotation{this, "rotation"};
   SoSFFloat angle{this, "angle", 0.785398f}; ///< radians, from the axis to the rim
-  SoKitPart point{this, "point", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
-  SoKitPart beam{this, "beam", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
+  SoHandlePart point{this, "point"};
+  SoHandlePart rotator{this, "rotator"};
+  SoHandlePart beam{this, "beam"};
 
  protected:
   ~SoSpotLightDragger() override = default;

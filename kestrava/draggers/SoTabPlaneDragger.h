@@ -10,13 +10,10 @@ class SoTabPlaneDragger : public SoDragger {
 
   SoSFVec3f translation{this, "translation"};
   SoSFVec3f scaleFactor{this, "scaleFactor", SbVec3f(1, 1, 1)};
-  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                       "this"};
-  SoKitPart scaler{this, "scaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(), "this"};
-  SoKitPart xScaler{this, "xScaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
-  SoKitPart yScaler{this, "yScaler", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
+  SoHandlePart translator{this, "translator"};
+  SoHandlePart scaler{this, "scaler"};
+  SoHandlePart xScaler{this, "xScaler"};
+  SoHandlePart yScaler{this, "yScaler"};
 
  protected:
   ~SoTabPlaneDragger() override = default;

@@ -7,14 +7,10 @@ class SoTrackballDragger : public SoTransformDragger {
   SO_NODE(SoTrackballDragger, SoTransformDragger)
   SoTrackballDragger();
 
-  SoKitPart rotator{this, "rotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                    "this"};
-  SoKitPart xRotator{this, "xRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
-  SoKitPart yRotator{this, "yRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
-  SoKitPart zRotator{this, "zRotator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                     "this"};
+  SoHandlePart rotator{this, "rotator"};
+  SoHandlePart xRotator{this, "xRotator"};
+  SoHandlePart yRotator{this, "yRotator"};
+  SoHandlePart zRotator{this, "zRotator"};
 
  protected:
   ~SoTrackballDragger() override = default;

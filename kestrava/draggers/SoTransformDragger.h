@@ -15,6 +15,4 @@ class SoTransformDragger : public SoDragger {
  protected:
   using SoDragger::SoDragger;
   ~SoTransformDragger() override = default;
-  /// Six sides that move in their plane: two handles for each axis, translucent, with the edges of the box.
-  void addSides(SoKitPart* const (&parts)[6]);
 };

@@ -8,8 +8,7 @@ class SoTranslate1Dragger : public SoDragger {
   SoTranslate1Dragger();
 
   SoSFVec3f translation{this, "translation"};
-  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                       "this"};
+  SoHandlePart translator{this, "translator"};
 
  protected:
   ~SoTranslate1Dragger() override = default;

@@ -8,8 +8,7 @@ class SoTranslate2Dragger : public SoDragger {
   SoTranslate2Dragger();
 
   SoSFVec3f translation{this, "translation"};
-  SoKitPart translator{this, "translator", SoSeparator::getClassTypeId(), SoDraggerHandle::getClassTypeId(),
-                       "this"};
+  SoHandlePart translator{this, "translator"};
 
  protected:
   ~SoTranslate2Dragger() override = default;
