@@ -111,6 +111,8 @@ bool SoReader::readBytesField(Word const& word) {
   }
   if (kind == Kind::NODE) return readWord(next) && readBytesItem(next, field, Use::VALUE);
   if (kind == Kind::PATH) return readWord(next) && readBytesPath(next, field);
+  // A value in the file says that the field follows nothing, unless a source stands behind it.
+  if (field->isConnectionDefault()) field->disconnect();
   if (!field->readValue(m_in) || m_in.hasFailed()) return false;
   field->valueChanged();
   return true;

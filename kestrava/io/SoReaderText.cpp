@@ -69,6 +69,8 @@ bool SoReader::readTextField(SoField* field) {
   }
   if (isNodes || kind == Kind::NODE) return readTextValue(field, Use::VALUE);
   if (isPaths || kind == Kind::PATH) return readTextPath(field);
+  // A value in the file says that the field follows nothing, unless a source stands behind it.
+  if (field->isConnectionDefault()) field->disconnect();
   if (!field->readValue(m_in) || m_in.hasFailed()) return false;
   field->valueChanged();
   return readTextFieldEnd(field);

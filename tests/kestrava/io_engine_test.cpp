@@ -100,6 +100,26 @@ TEST(EngineFiles, GlobalFieldsAreThoseOfTheProgram) {
   SoGlobalField::remove("ioTestNew");
 }
 
+TEST(EngineFiles, AnEngineOffTheClockStaysOff) {
+  readInBothForms(
+      "Separator { Transform { translation = ComposeVec3f { x = TimeCounter { timeIn 7 max 9 } . output } . vector }"
+      " Transform { translation = ComposeVec3f { y = TimeCounter { timeIn 0 = ElapsedTime { on FALSE } . timeOut "
+      "max 9 } . output z = ElapsedTime { } . timeOut } . vector } }",
+      [](SoNode* root) {
+        auto const timerOf = [&](int child, char const* axis) {
+          SoFieldContainer const* const vector =
+              transform(root, child)->translation.getConnectedField()->getContainer();
+          return vector->getField(axis)->getConnectedField()->getContainer()->getField("timeIn");
+        };
+        EXPECT_FALSE(timerOf(0, "x")->isConnected());
+        EXPECT_EQ(timerOf(1, "y")->getConnectedField()->getName().str(), "timeOut");
+        EXPECT_TRUE(timerOf(1, "z")->isConnectionDefault());
+        // Leaving the clock is no step of fifty years.
+        EXPECT_EQ(transform(root, 0)->translation.getValue()[0], 0);
+        EXPECT_EQ(transform(root, 1)->translation.getValue()[1], 0);
+      });
+}
+
 TEST(EngineFiles, LongChainsCostNoStack) {
   constexpr int LENGTH = 2000;
   // Each takes the x of the vector below it.
