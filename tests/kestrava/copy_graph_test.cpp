@@ -23,7 +23,7 @@
 
 using namespace node_test;
 
-namespace {
+namespace copy_graph_test {
 
 template <class T> SoRef<T> copyOf(T* node) {
   SoNode* const copy = node->copy();
@@ -52,7 +52,9 @@ class OneOfAKind : public SoNode {
   ~OneOfAKind() override = default;
 };
 
-} // namespace
+} // namespace copy_graph_test
+
+using namespace copy_graph_test;
 
 TEST(CopyGraph, IsTheSameTextAndSharesNothing) {
   char const text[] =
