@@ -18,7 +18,7 @@ std::unordered_map<SoFieldContainer const*, SbName>& netNames() {
   return names;
 }
 std::mutex netNameMutex;
-bool anyNetName = false;
+std::atomic<bool> anyNetName{false};
 
 }  // namespace
 
@@ -132,6 +132,7 @@ SoFieldContainer* SoFieldContainer::makeEmpty() const {
 }
 
 SbName SoFieldContainer::getNetName() const {
+  if (!anyNetName) return SbName();
   std::lock_guard lock(netNameMutex);
   auto known = netNames().find(this);
   return known == netNames().end() ? SbName() : known->second;

@@ -101,6 +101,7 @@ void SoCopier::fill(Pair pair) {
     }
   }
   if (!pair.from->getName().empty()) pair.to->setName(pair.from->getName());
+  if (SbName const netName = pair.from->getNetName(); !netName.empty()) pair.to->setNetName(netName);
   if (!pair.isNode) return;
   SoChildList const* const children = static_cast<SoNode const*>(pair.from)->getChildren();
   SoChildList* const copies = static_cast<SoNode*>(pair.to)->getChildren();

@@ -69,6 +69,7 @@ TEST(CopyGraph, IsTheSameTextAndSharesNothing) {
       "}\n";
   SoRef<SoNode> const root(readText(text));
   ASSERT_TRUE(root);
+  static_cast<SoGroup*>(root.get())->getChild(0)->setNetName("wheel.1");
   SoRef<SoNode> copy = copyOf(root.get());
   EXPECT_EQ(io_test::writeText(copy), io_test::writeText(root));
   auto* const group = static_cast<SoGroup*>(copy.get());
@@ -76,6 +77,7 @@ TEST(CopyGraph, IsTheSameTextAndSharesNothing) {
   EXPECT_EQ(group->getChild(0), static_cast<SoGroup*>(group->getChild(2))->getChild(0));
   EXPECT_NE(group->getChild(0), static_cast<SoGroup*>(root.get())->getChild(0));
   EXPECT_EQ(group->getChild(0)->getName().str(), "wheel");
+  EXPECT_EQ(group->getChild(0)->getNetName().str(), "wheel.1");
   auto* const unknown = static_cast<SoGroup*>(group->getChild(4));
   EXPECT_EQ(static_cast<SoMFNode*>(unknown->getField(SbName("parts")))->getNode(0), group->getChild(0));
 
