@@ -7,6 +7,7 @@
 
 #include "kestrava/actions/SoActionMethods.h"
 #include "kestrava/base/SoChildList.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoShape.h"
 
@@ -121,9 +122,7 @@ void SoAction::apply(SoPath* path) {
 
 void SoAction::run(SoNode* root, SoPath* along) {
   if (!root) return;
-  // A root that nobody references is given back alive, as the caller handed it in.
-  bool const owned = root->getRefCount() > 0;
-  root->ref();
+  SoKeepAlive const kept(root);
   m_terminated = false;
   m_table = tableFor(getTypeId());
   m_along = along;
@@ -151,7 +150,6 @@ void SoAction::run(SoNode* root, SoPath* along) {
   m_state.pop();
   m_path->truncate(0);
   m_along = nullptr;
-  owned ? root->unref() : root->unrefNoDelete();
 }
 
 void SoAction::stepInto(Frame& frame) {

@@ -5,6 +5,7 @@
 
 #include "kestrava/actions/SoHandleEventAction.h"
 #include "kestrava/actions/SoRayPickAction.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/events/SoKeyboardEvent.h"
 #include "kestrava/events/SoLocation2Event.h"
 #include "kestrava/events/SoMouseButtonEvent.h"
@@ -242,7 +243,7 @@ SoDragger::Hit SoDragger::lookThrough(SoHandleEventAction& action, SoPath const&
 
 void SoDragger::handleEvent(SoHandleEventAction& action) {
   SoEvent const& event = *action.getEvent();
-  SoRef<SoDragger> const self(this);
+  SoKeepAlive const self(this);
   if (action.getGrabber() == this) {
     moveDrag(action);
     return;

@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "kestrava/base/SoError.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/kits/SoNodeKitListPart.h"
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoSwitch.h"
@@ -144,7 +145,7 @@ bool SoBaseKit::accepts(SoKitPart const& part, SoNode const* node, SbString cons
 }
 
 bool SoBaseKit::setPart(SbString const& name, SoNode* node) {
-  SoRef<SoBaseKit> const self(getRefCount() > 0 ? this : nullptr);
+  SoKeepAlive const self(this);
   Place place;
   if (!resolve(name, node != nullptr, place)) {
     SoDebugError::post("SoBaseKit::setPart", "%s has no public part '%s'", getTypeId().getName().c_str(),

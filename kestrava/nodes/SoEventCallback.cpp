@@ -5,6 +5,7 @@
 
 #include "kestrava/actions/SoHandleEventAction.h"
 #include "kestrava/base/SoError.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/events/SoEvent.h"
 
 namespace {
@@ -40,7 +41,7 @@ void SoEventCallback::handleEvent(SoHandleEventAction& action) {
   SoEvent const& event = *action.getEvent();
   auto const isMeant = [&event](Entry const& entry) { return entry.function && event.isOfType(entry.eventType); };
   if (std::none_of(m_entries.begin(), m_entries.end(), isMeant) || !isConcerned(action)) return;
-  SoRef<SoEventCallback> const self(this);
+  SoKeepAlive const self(this);
   SoHandleEventAction* const outer = std::exchange(m_action, &action);
   for (Entry const& entry : std::vector<Entry>(m_entries)) {
     bool const isThere = std::find(m_entries.begin(), m_entries.end(), entry) != m_entries.end();

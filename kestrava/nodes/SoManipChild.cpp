@@ -4,6 +4,7 @@
 
 #include "kestrava/actions/SoGetBoundingBoxAction.h"
 #include "kestrava/base/SoError.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/kits/SoBaseKit.h"
 #include "kestrava/kits/SoNodeKitListPart.h"
@@ -133,9 +134,7 @@ bool SoManipChild::exchangeTail(SoPath* path, SoNode* wanted, SoType plain, char
     if (!isThere) index = children->find(old);
     if (index < 0) reason = "the path leads through what is not there any more";
   }
-  // The caller's node goes back alive, as it was handed in.
-  bool const isOwned = wanted->getRefCount() > 0;
-  SoRef<SoNode> kept(wanted);
+  SoKeepAlive const kept(wanted);
   if (!reason) {
     // The values first: the scene never shows the new node without them.
     takeOverFields(old, wanted, plain);
@@ -146,7 +145,6 @@ bool SoManipChild::exchangeTail(SoPath* path, SoNode* wanted, SoType plain, char
   }
   if (reason) {
     SoDebugError::post(caller, "nothing was replaced: %s", reason);
-    if (!isOwned) kept.release();
     return false;
   }
   path->pop();

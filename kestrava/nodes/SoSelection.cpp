@@ -6,6 +6,7 @@
 
 #include "kestrava/actions/SoHandleEventAction.h"
 #include "kestrava/base/SoError.h"
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/fields/SoMFNode.h"
 #include "kestrava/fields/SoSFNode.h"
@@ -99,7 +100,7 @@ void SoSelection::select(SoPath* path) {
     return;
   }
   if (isSelected(path)) return;
-  SoRef<SoSelection> const self(this);
+  SoKeepAlive const self(this);
   add(std::move(*below));
   tellChange();
 }
@@ -108,7 +109,7 @@ void SoSelection::deselect(SoPath* path) { deselect(findPath(path)); }
 
 void SoSelection::deselect(int which) {
   if (which < 0 || which >= getNumSelected()) return;
-  SoRef<SoSelection> const self(this);
+  SoKeepAlive const self(this);
   remove(which);
   tellChange();
 }
@@ -120,7 +121,7 @@ void SoSelection::toggle(SoPath* path) {
 
 void SoSelection::deselectAll() {
   if (m_paths.empty()) return;
-  SoRef<SoSelection> const self(this);
+  SoKeepAlive const self(this);
   while (!m_paths.empty()) remove(getNumSelected() - 1);
   tellChange();
 }
@@ -134,7 +135,7 @@ void SoSelection::invoke(SoPath* path, bool shiftDown) {
   if (path && !belowThis(path)) path = nullptr;
   bool const toggles = policy.getValue() == TOGGLE || (policy.getValue() == SHIFT && shiftDown);
   if (!isChangedBy(path, toggles)) return;
-  SoRef<SoSelection> const self(this);
+  SoKeepAlive const self(this);
   SoRef<SoPath> const kept(path);
   callAll(m_startCallbacks, this);
   if (toggles) {

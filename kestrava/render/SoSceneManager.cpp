@@ -1,5 +1,6 @@
 #include "kestrava/render/SoSceneManager.h"
 
+#include "kestrava/base/SoKeepAlive.h"
 #include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/nodes/SoCamera.h"
 #include "kestrava/nodes/SoGroup.h"
@@ -105,7 +106,7 @@ void SoSceneManager::render(bool clears) {
 
 bool SoSceneManager::processEvent(SoEvent const& event) {
   if (m_offersEvent || !m_root) return false;
-  SoRef<SoSceneManager> const self(this);
+  SoKeepAlive const self(this);
   m_offersEvent = true;
   m_pointer = event.position;
   m_eventAction.setViewportRegion(m_region);
@@ -120,7 +121,7 @@ bool SoSceneManager::processEvent(SoEvent const& event) {
 }
 
 void SoSceneManager::releaseGrab() {
-  SoRef<SoSceneManager> const self(this);
+  SoKeepAlive const self(this);
   if (getGrabber()) {
     SoMouseButtonEvent release;
     release.button = SoMouseButtonEvent::LEFT;

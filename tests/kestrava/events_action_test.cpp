@@ -6,8 +6,10 @@
 #include "kestrava/events/SoMouseButtonEvent.h"
 #include "kestrava/nodes/SoEventCallback.h"
 #include "kestrava/nodes/SoOrthographicCamera.h"
+#include "kestrava/nodes/SoSelection.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoTranslation.h"
+#include "kestrava/render/SoSceneManager.h"
 #include "node_helpers.h"
 
 using namespace node_test;
@@ -241,3 +243,41 @@ TEST(EventsCallback, FunctionsMayChangeTheList) {
 }
 
 } // namespace
+
+// Who makes an object and has not referenced it yet still has it after a call.
+TEST(EventsAction, NobodysObjectsSurviveTheirOwnOperations) {
+  SoRef<SoNode> const root(readText("Separator { Cube { } }"));
+  int gone = 0;
+  auto const watch = [&gone](SoNodeSensor& sensor, SoFieldContainer* object) {
+    sensor.setPriority(0);
+    sensor.setDeleteCallback([](void* data, SoSensor*) { ++*static_cast<int*>(data); }, &gone);
+    sensor.attach(object);
+  };
+  SoNodeSensor managerSensor, selectionSensor;
+  auto* manager = new SoSceneManager;
+  watch(managerSensor, manager);
+  manager->setSceneGraph(root);
+  SoLocation2Event move;
+  manager->processEvent(move);
+  ASSERT_EQ(gone, 0);
+  EXPECT_EQ(manager->getRefCount(), 0);
+
+  auto* selection = new SoSelection;
+  watch(selectionSensor, selection);
+  selection->addChild(root);
+  {
+    SoRef<SoPath> const path(new SoPath(selection));
+    path->append(0);
+    selection->select(path);
+    selection->ref();
+  }
+  selection->unrefNoDelete();
+  selection->deselectAll();
+  ASSERT_EQ(gone, 0);
+  EXPECT_EQ(selection->getNumSelected(), 0);
+  for (SoFieldContainer* object : std::initializer_list<SoFieldContainer*>{manager, selection}) {
+    object->ref();
+    object->unref();
+  }
+  EXPECT_EQ(gone, 2);
+}
