@@ -12,13 +12,10 @@
 #include <vector>
 
 #include "bench/bench.h"
+#include "bench/tree100k.h"
 #include "kestrava/actions/SoWriteAction.h"
 #include "kestrava/io/SoDB.h"
 #include "kestrava/io/SoInput.h"
-#include "kestrava/nodes/SoIndexedFaceSet.h"
-#include "kestrava/nodes/SoSeparator.h"
-#include "kestrava/nodes/SoTranslation.h"
-#include "kestrava/nodes/SoVertexProperty.h"
 
 namespace {
 
@@ -90,65 +87,6 @@ SoRef<SoNode> readFile(std::string const& path) {
   return SoRef<SoNode>(SoDB::readAll(&in));
 }
 
-/// A box of 24 vertices with normals.
-SoNode* makeBox() {
-  auto* const corners = new SoVertexProperty;
-  std::vector<SbVec3f> vertices, normals;
-  std::vector<std::int32_t> indices;
-  for (int axis = 0; axis < 3; ++axis) {
-    for (float side : {-0.5f, 0.5f}) {
-      auto const first = static_cast<std::int32_t>(vertices.size());
-      for (int corner = 0; corner < 4; ++corner) {
-        SbVec3f vertex, normal(0, 0, 0);
-        vertex[axis] = side;
-        vertex[(axis + 1) % 3] = corner == 1 || corner == 2 ? 0.5f : -0.5f;
-        vertex[(axis + 2) % 3] = corner > 1 ? 0.5f : -0.5f;
-        normal[axis] = 2 * side;
-        vertices.push_back(vertex);
-        normals.push_back(normal);
-      }
-      for (int index : {0, 1, 2, -1, 0, 2, 3, -1}) indices.push_back(index < 0 ? -1 : first + index);
-    }
-  }
-  corners->vertex.setValues(vertices);
-  corners->normal.setValues(normals);
-  auto* const box = new SoIndexedFaceSet;
-  box->vertexProperty.setValue(corners);
-  box->coordIndex.setValues(indices);
-  return box;
-}
-
-/// 11,111 groups, ten a group, and 44,445 leaves spread over the last level, all of them named; each leaf has a
-/// box of its own, or all have the same.
-SoRef<SoNode> makeTree(bool ownBoxes) {
-  SoRef<SoSeparator> const root(new SoSeparator);
-  std::vector<SoSeparator*> level{root};
-  int number = 0;
-  for (int depth = 0; depth < 4; ++depth) {
-    std::vector<SoSeparator*> next;
-    for (SoSeparator* group : level) {
-      for (int i = 0; i < 10; ++i) {
-        next.push_back(new SoSeparator);
-        next.back()->setName(SbString::format("group_%d", number++));
-        group->addChild(next.back());
-      }
-    }
-    level = std::move(next);
-  }
-  constexpr int LEAVES = 44'445;
-  SoRef<SoNode> const shared(makeBox());
-  for (int i = 0; i < LEAVES; ++i) {
-    auto* const leaf = new SoSeparator;
-    leaf->setName(SbString::format("leaf_%d", i));
-    auto* const place = new SoTranslation;
-    place->translation.setValue(SbVec3f(static_cast<float>(i % 211), static_cast<float>(i / 211 % 211), 0));
-    leaf->addChild(place);
-    leaf->addChild(ownBoxes ? makeBox() : shared.get());
-    level[static_cast<std::size_t>(i) * level.size() / LEAVES]->addChild(leaf);
-  }
-  return SoRef<SoNode>(root.get());
-}
-
 void writeScene(SoNode* root, std::string const& path, bool binary) {
   SoWriteAction action;
   action.getOutput()->setBinary(binary);
@@ -161,7 +99,7 @@ void writeScene(SoNode* root, std::string const& path, bool binary) {
 void measureTree(bool ownBoxes, bool binary) {
   std::string const name = std::string(ownBoxes ? "tree100k" : "tree100k-shared") + (binary ? "_binary" : "_text");
   TemporaryFile const file(("-" + name + ".kv").c_str());
-  SoRef<SoNode> root = makeTree(ownBoxes);
+  SoRef<SoNode> root(bench::makeTree100k(ownBoxes).get());
   double const write = bench::fastest([&] { writeScene(root, file.path, binary); });
   root.reset();
   std::vector<char> from(std::filesystem::file_size(file.path), 'x'), to(from.size());

@@ -6,7 +6,6 @@
 // with LIBGL_ALWAYS_SOFTWARE=1. Any page can be added to them; pages with choices bring a picture for each.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <array>
 #include <cstdio>
@@ -22,6 +21,7 @@
 #include "kestrava/io/SoDB.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/render/SoOffscreenRenderArea.h"
+#include "tests/apps/run_program.h"
 
 namespace {
 
@@ -30,24 +30,7 @@ namespace fs = std::filesystem;
 fs::path const SCENES = VANTLE_SOURCE_DIR "/scenes/gallery";
 fs::path const PICTURES = VANTLE_SOURCE_DIR "/tests/data/gallery";
 
-struct Outcome {
-  int status;
-  std::string output; // both channels
-};
-
-Outcome gallery(std::string const& arguments) {
-  std::string const command =
-      "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " VANTLE_BIN_DIR "/gallery " + arguments + " 2>&1";
-  Outcome result;
-  FILE* const pipe = popen(command.c_str(), "r");
-  std::array<char, 4096> part;
-  while (std::size_t const count = std::fread(part.data(), 1, part.size(), pipe)) {
-    result.output.append(part.data(), count);
-  }
-  int const status = pclose(pipe);
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return result;
-}
+Outcome gallery(std::string const& arguments) { return runProgram("gallery", arguments); }
 
 std::vector<std::string> lines(std::string const& text) {
   std::vector<std::string> result;

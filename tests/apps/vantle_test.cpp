@@ -1,7 +1,6 @@
 // The program from end to end: arguments, and the picture that it writes of its window.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <array>
 #include <cstdio>
@@ -11,27 +10,11 @@
 #include <set>
 
 #include "kestrava/base/SbImageReader.h"
+#include "tests/apps/run_program.h"
 
 namespace {
 
-struct Outcome {
-  int status;
-  std::string output; // both channels
-};
-
-Outcome run(std::string const& arguments) {
-  std::string const command =
-      "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " VANTLE_BIN_DIR "/vantle " + arguments + " 2>&1";
-  Outcome result;
-  FILE* const pipe = popen(command.c_str(), "r");
-  std::array<char, 4096> part;
-  while (std::size_t const count = std::fread(part.data(), 1, part.size(), pipe)) {
-    result.output.append(part.data(), count);
-  }
-  int const status = pclose(pipe);
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return result;
-}
+Outcome run(std::string const& arguments) { return runProgram("vantle", arguments); }
 
 class ProgramTest : public testing::Test {
  public:
