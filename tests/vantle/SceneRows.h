@@ -6,7 +6,7 @@
 #include "kestrava/fields/SoField.h"
 #include "kestrava/nodes/SoNode.h"
 #include "kestrava/nodes/SoSelection.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
 

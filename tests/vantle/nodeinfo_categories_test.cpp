@@ -5,7 +5,7 @@
 #include "kestrava/kits/SoSeparatorKit.h"
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoSeparator.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntNodeInfo.h"
 
 namespace {

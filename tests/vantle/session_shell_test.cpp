@@ -11,7 +11,7 @@
 #include "kestrava/nodes/SoSeparator.h"
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoVantleMainFrame.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/session/VntShellImpl.h"
 #include "vnt/VntExtension.h"

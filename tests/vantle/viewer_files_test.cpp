@@ -13,7 +13,7 @@
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/frame/SoVantleMainFrame.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/SoVantleImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"

@@ -13,7 +13,7 @@
 #include "vantle/inspect/SoTabNodeOverview.h"
 #include "vantle/inspect/SoVantleEdition.h"
 #include "vantle/session/LiveInput.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VantleManual.h"
 #include "vantle/tree/SoTreeViewItem.h"

@@ -16,7 +16,7 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/LiveInput.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoVantleTreeView.h"
 #include "vantle/viewer/SoVantleViewer.h"

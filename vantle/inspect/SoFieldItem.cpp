@@ -2,7 +2,7 @@
 
 #include "kestrava/fields/SoFieldContainer.h"
 #include "vantle/inspect/SoVantleList.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 
 SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldContainer* container, SoFieldContainer* defaultInstance,
                          int index, bool catalogPart)

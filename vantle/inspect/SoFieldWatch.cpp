@@ -11,7 +11,7 @@
 #include "vantle/prefs/SoVantleConfig.h"
 #include "vantle/prefs/SoVantleState.h"
 #include "vantle/prefs/SoVantleStateManager.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 
 namespace {

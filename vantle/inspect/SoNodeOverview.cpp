@@ -15,7 +15,7 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/inspect/SoFieldItem.h"
 #include "vantle/inspect/SoNodeOverviewList.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 
 namespace {

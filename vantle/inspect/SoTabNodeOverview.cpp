@@ -11,7 +11,7 @@
 #include "vantle/inspect/SoVantleEdition.h"
 #include "vantle/prefs/NodeOverviewConfig.h"
 #include "vantle/prefs/SoVantleConfig.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntNodeInfo.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoVantleTreeView.h"

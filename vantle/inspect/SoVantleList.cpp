@@ -12,7 +12,7 @@
 #include "kestrava/sensors/SoFieldSensor.h"
 #include "vantle/inspect/SoFieldItem.h"
 #include "vantle/inspect/SoHeaderView.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 
 namespace {
 

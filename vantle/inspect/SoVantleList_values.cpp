@@ -7,7 +7,7 @@
 #include "kestrava/fields/SoSFNode.h"
 #include "kestrava/nodes/SoNode.h"
 #include "vantle/inspect/SoVantleList.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 
 // Values of fields as text.
 

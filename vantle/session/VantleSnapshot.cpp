@@ -9,7 +9,7 @@
 #include "kestrava/base/SoPreferences.h"
 #include "kestrava/sensors/SoSensorManager.h"
 #include "vantle/frame/SoVantleMainFrame.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VantleMessageBox.h"
 #include "vantle/session/VntShellImpl.h"

@@ -9,7 +9,7 @@
 #include <cstdlib>
 
 #include "kestrava/base/SoErrorStack.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VantleMessageBox.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "kestrava/nodes/SoFile.h"
 #include "kestrava/nodes/SoWWWInline.h"
 #include "vantle/frame/SoCommandManager.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntNodeInfo.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoReferencedNodeManager.h"

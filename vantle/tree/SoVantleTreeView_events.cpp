@@ -6,7 +6,7 @@
 #include "kestrava/nodes/SoNode.h"
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VantleManual.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"

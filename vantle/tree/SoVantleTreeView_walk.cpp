@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "kestrava/nodes/SoNode.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VntNodeInfo.h"
 #include "vantle/tree/SoReferencedNodeManager.h"
 #include "vantle/tree/SoTreeViewItem.h"

@@ -21,7 +21,7 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/session/LiveInput.h"
-#include "vantle/session/QtText.h"
+#include "vnt/QtText.h"
 #include "vantle/session/VantleMessageBox.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/viewer/SoVantleViewer.h"

@@ -1,0 +1,67 @@
+#include "extender_base/VntEditorWidget.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include "vnt/QtText.h"
+#include "vnt/VntFieldEdit.h"
+
+VntEditorWidget::VntEditorWidget(VntFieldEdit* edit, QWidget* parent)
+    : QWidget(parent), m_edit(edit), m_content(new QVBoxLayout), m_note(new QLabel(this)) {
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addLayout(m_content);
+  layout->addWidget(m_note);
+  m_note->setObjectName("changedNote");
+  m_note->setWordWrap(true);
+  m_note->setTextFormat(Qt::PlainText);
+  m_note->hide();
+  connect(edit, &VntFieldEdit::changed, this, &VntEditorWidget::refresh);
+}
+
+void VntEditorWidget::refresh() {
+  if (!m_edit->getField()) return;
+  if (m_typing) {
+    m_note->setText(tr("changed to %1").arg(valueText()));
+    m_note->show();
+  } else {
+    m_note->hide();
+    showValue();
+  }
+}
+
+QString VntEditorWidget::valueText() const {
+  constexpr int LONGEST = 80;
+  SbString text;
+  m_edit->getField()->get(text);
+  QString line = toQString(text).simplified();
+  if (line.size() > LONGEST) line = line.left(LONGEST - 3) + QLatin1String("...");
+  return line;
+}
+
+void VntEditorWidget::setTyping(bool on) {
+  if (m_typing == on) return;
+  m_typing = on;
+  if (!on) refresh();
+}
+
+void VntEditorWidget::watchTyping(QLineEdit* line) {
+  connect(line, &QLineEdit::textEdited, this, [this] { setTyping(true); });
+}
+
+void VntEditorWidget::escape() {
+  m_edit->cancel();
+  m_edit->report({});
+  setTyping(false);
+  refresh();
+}
+
+void VntEditorWidget::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && (m_typing || m_edit->isPreviewing())) {
+    escape();
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}

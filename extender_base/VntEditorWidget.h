@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QVBoxLayout;
+class VntFieldEdit;
+
+/// Base of the editors: shows the field's value again whenever it changes, but for what the user is typing. A
+/// change by the program is then told beside the text, which stays until Enter takes it or Escape drops it.
+/// Escape also ends a drag and gives back the value from before.
+class VntEditorWidget : public QWidget {
+  Q_OBJECT
+ public:
+  VntEditorWidget(VntFieldEdit* edit, QWidget* parent);
+
+  /// Shows the value, or tells the user of it while he is typing. The panel's and makeEditor()'s.
+  void refresh();
+
+ protected:
+  /// Puts the field's value into the widgets, whose signals are not to answer with an edit. The field is
+  /// there.
+  virtual void showValue() = 0;
+  /// The value in one short line, for telling the user of a change.
+  virtual QString valueText() const;
+
+  VntFieldEdit* edit() const { return m_edit; }
+  /// Where an editor puts its widgets; free space is below.
+  QVBoxLayout* content() const { return m_content; }
+
+  /// The user has begun to type something that is not entered yet, or has ended.
+  void setTyping(bool on);
+  bool isTyping() const { return m_typing; }
+  /// Typing begins when the user changes this line's text.
+  void watchTyping(QLineEdit* line);
+  /// Drops what is being typed, or gives up a drag.
+  virtual void escape();
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  VntFieldEdit* m_edit;
+  QVBoxLayout* m_content;
+  QLabel* m_note;
+  bool m_typing = false;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <unordered_map>
+
+#include "kestrava/base/SoType.h"
+#include "vnt/VntExtension.h"
+
+class QDockWidget;
+class SoField;
+class VntFieldEditor;
+class VntFieldEditorPanel;
+
+/// The extension "Field Editor": a dock that shows an editor for the selected field, made by the extension
+/// that is controlled for its type.
+class VntFieldEditorExtension : public QObject, public VntExtension {
+  Q_OBJECT
+ public:
+  ~VntFieldEditorExtension() override;
+
+  SbString getName() const override { return "Field Editor"; }
+  SbString getInfo() const override { return "Field Editor"; }
+  void activate() override;
+  void deactivate() override;
+  /// Field editors only; of two for one type the later one is taken.
+  void addControlled(VntExtension* controlled) override;
+  void show() override;
+  void hide() override;
+
+ private:
+  void selectField(SoField* field);
+
+  std::unordered_map<SoType, VntFieldEditor*> m_editors; // the plug-ins'
+  QPointer<QDockWidget> m_dock;
+  QPointer<VntFieldEditorPanel> m_panel; // the dock's
+};

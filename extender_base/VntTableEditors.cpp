@@ -1,0 +1,3 @@
+#include "extender_base/VntEditorTable.h"
+
+void addTableEditors(VntEditorTable&) {}
