@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <algorithm>
 
 #include "kestrava/fields/SoMFNode.h"
@@ -16,8 +17,11 @@
 #include "vantle/inspect/SoFieldWatch.h"
 #include "vantle/inspect/SoTabNodeOverview.h"
 #include "vantle/inspect/SoVantleEdition.h"
+#include "vantle/prefs/SoVantlePreferences.h"
+#include "vantle/session/VntShellImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
+#include "vnt/VntExtension.h"
 
 namespace {
 
@@ -90,7 +94,21 @@ void SoCommandManager::nodeNameChanged(SoNode* node) {
 }
 
 void SoCommandManager::nodeSetOverride(bool) {}
-void SoCommandManager::editPreferences() {}
+
+/// One page for each extension that has registered one.
+void SoCommandManager::editPreferences() {
+  QList<Preferences> pages;
+  auto const panels = VntShellImpl::getImplInstance()->getPreferencePanel();
+  for (auto panel = panels.begin(); panel != panels.end(); ++panel) {
+    std::string const title = panel.key()->getInfo().toLatin1();
+    pages << Preferences{panel->page, QString::fromLatin1(title.data(), title.size()), panel->page,
+                         panel->initSlot, panel->setSlot};
+  }
+  // The session, and with it the dialog's parent, may end while the dialog is open.
+  QPointer<SoVantlePreferences> const dialog = new SoVantlePreferences(pages, mainFrame());
+  dialog->exec();
+  delete dialog;
+}
 
 // Field watch.
 
