@@ -59,15 +59,21 @@ function(vantle_target target)
   endif()
 endfunction()
 
-# vantle_install_package(<target> [DEPENDS <package>...]): installs a library, the headers of this folder and a
-# CMake package of the target's name.
+# vantle_install_package(<target> [DEPENDS <package>...] [HEADERS <header>...]): installs a library, the headers of
+# this folder (all, or the ones named) and a CMake package of the target's name.
 function(vantle_install_package target)
-  cmake_parse_arguments(arg "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "DEPENDS;HEADERS" ${ARGN})
   set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/${target}")
   install(TARGETS ${target} EXPORT ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(EXPORT ${target} NAMESPACE qor:: FILE ${target}-targets.cmake DESTINATION ${package_dir})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
-  install(DIRECTORY . DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${room} FILES_MATCHING PATTERN "*.h")
+  if(NOT arg_HEADERS)
+    install(DIRECTORY . DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${room} FILES_MATCHING PATTERN "*.h")
+  endif()
+  foreach(header IN LISTS arg_HEADERS)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "${header}" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${room}/${folder})
+  endforeach()
 
   set(config "include(CMakeFindDependencyMacro)\n")
   foreach(package IN LISTS arg_DEPENDS)

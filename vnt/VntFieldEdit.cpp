@@ -1,5 +1,6 @@
 #include "vnt/VntFieldEdit.h"
 
+#include <QTimer>
 #include <functional>
 #include <utility>
 
@@ -69,7 +70,17 @@ VntFieldEdit::~VntFieldEdit() {
 void VntFieldEdit::fieldChangedCB(void* edit, SoSensor*) {
   auto* const self = static_cast<VntFieldEdit*>(edit);
   if (std::exchange(self->m_tellingQueued, true)) return;
-  QMetaObject::invokeMethod(self, &VntFieldEdit::tellChanged, Qt::QueuedConnection);
+  // A field that changes all the time is told of no more often than a screen can show it.
+  constexpr qint64 FRAME = 16;
+  qint64 const wait = self->m_told.isValid() ? FRAME - self->m_told.elapsed() : 0;
+  auto const tell = [self] {
+    self->m_told.start();
+    self->tellChanged();
+  };
+  if (wait > 0)
+    QTimer::singleShot(static_cast<int>(wait), Qt::PreciseTimer, self, tell);
+  else
+    QMetaObject::invokeMethod(self, tell, Qt::QueuedConnection);
 }
 
 void VntFieldEdit::fieldDiesCB(void* edit, SoSensor*) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <memory>
@@ -93,4 +94,5 @@ class VntFieldEdit : public QObject {
   std::unique_ptr<SoField> m_before; // while a drag goes on
   bool m_wasDefault = false;
   bool m_tellingQueued = false;
+  QElapsedTimer m_told; // since a change by the program was told
 };

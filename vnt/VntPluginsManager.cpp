@@ -1,15 +1,18 @@
 #include "vnt/VntPluginsManager.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QLoggingCategory>
 #include <QXmlStreamReader>
-#include <vector>
+#include <unordered_map>
 
-#include "kestrava/base/SbFileHelper.h"
-#include "kestrava/base/SoDynamicLibManager.h"
 #include "kestrava/base/SoError.h"
+#include "vnt/QtText.h"
+#include "vnt/VntConfiguration.h"
 #include "vnt/VntExtension.h"
 #include "vnt/VntPlugin.h"
+#include "vnt/VntPluginLibrary.h"
+#include "vnt/VntShell.h"
 
 namespace {
 
@@ -17,130 +20,221 @@ Q_LOGGING_CATEGORY(pluginsLog, "vnt.plugins", QtWarningMsg)
 
 VntPluginsManager* instance = nullptr;
 
-SbString toSbString(QString const& text) { return SbString(text.toStdString()); }
-
-struct Reference {
-  SbString plugin, extension;
+struct Callee {
+  QString plugin;
+  VntExtension* extension = nullptr;
 };
+Callee callee; // whose code runs
 
-struct ActiveExtension : Reference {
-  std::vector<Reference> controlled;
-};
+QString tr(char const* text) { return QCoreApplication::translate("VntPluginsManager", text); }
 
-struct Profile {
-  SbString name;
-  std::vector<ActiveExtension> active;
-};
-
-struct Configuration {
-  std::vector<SbString> modules;
-  SbString defaultProfile;
-  std::vector<Profile> profiles;
-};
-
-Reference readReference(QXmlStreamReader const& xml) {
-  auto const attributes = xml.attributes();
-  return {toSbString(attributes.value(QLatin1String("plugin")).toString()),
-          toSbString(attributes.value(QLatin1String("extension")).toString())};
-}
-
-/// Elements that are not known are passed over, so that a configuration may hold more than this framework
-/// uses.
-Configuration parse(QXmlStreamReader& xml) {
-  Configuration result;
-  if (xml.readNextStartElement() && xml.name() != QLatin1String("configuration")) {
-    xml.raiseError(QStringLiteral("the root element is \"%1\", not \"configuration\"").arg(xml.name()));
+/// What an exception says; only within a catch block.
+QString currentException() {
+  try {
+    throw;
+  } catch (std::exception const& exception) {
+    return QString::fromUtf8(exception.what());
+  } catch (...) {
+    return tr("an exception of unknown type");
   }
-  while (!xml.atEnd()) {
-    if (xml.readNext() != QXmlStreamReader::StartElement) continue;
-    auto const name = xml.name();
-    auto const attribute = [&](char const* key) {
-      return toSbString(xml.attributes().value(QLatin1String(key)).toString());
-    };
-    if (name == QLatin1String("loadPlugin")) {
-      result.modules.push_back(attribute("file"));
-    } else if (name == QLatin1String("profiles")) {
-      result.defaultProfile = attribute("default");
-    } else if (name == QLatin1String("profile")) {
-      result.profiles.push_back({attribute("name"), {}});
-    } else if (name == QLatin1String("activeExtension") && !result.profiles.empty()) {
-      result.profiles.back().active.push_back({readReference(xml), {}});
-    } else if (name == QLatin1String("controlledExtension") && !result.profiles.empty() &&
-               !result.profiles.back().active.empty()) {
-      result.profiles.back().active.back().controlled.push_back(readReference(xml));
-    }
-  }
-  return result;
 }
 
-/// A bare name stands for "lib<name>.so", beside this library or else where the dynamic linker searches.
-SbString modulePath(SbString const& file) {
-  if (file.str().find('/') != std::string::npos) return SbFileHelper::expandString(file);
-  SbString const name = "lib" + file.str() + ".so";
-  SbString const own = SoDynamicLibManager::getLibraryFromSymbol(
-      reinterpret_cast<void const*>(&VntPluginsManager::getInstance));
-  SbString const beside = SbFileHelper::getDirName(own) + name.str();
-  return SbFileHelper::exists(beside) ? beside : name;
+void post(QString const& problem) {
+  SoDebugError::post("VntPluginsManager", "%s", toSbString(problem).c_str());
 }
+
+void showInStatusBar(QStringList const& problems) {
+  VntShell* const shell = VntShell::getInstance();
+  if (!shell || problems.isEmpty()) return;
+  QString const text =
+      problems.size() == 1
+          ? problems.first()
+          : tr("%1 problems with plug-ins: %2").arg(QString::number(problems.size()), problems.join("; "));
+  shell->showStatusBarMessage(toSbString(text), 0);
+}
+
+struct LoadedPlugin {
+  VntPluginInfo info;
+  std::unique_ptr<QObject> object;
+  VntPlugin* plugin; // the object
+};
 
 } // namespace
 
 struct VntPluginsManager::Private {
-  std::vector<std::unique_ptr<VntPlugin>> plugins;
+  std::vector<LoadedPlugin> plugins;
   std::vector<VntExtension*> active;
-  bool modulesMustExist = false;
+  std::unordered_map<VntExtension const*, QString> pluginOf;
 
-  void complain(SbString const& what) const {
-    if (modulesMustExist)
-      SoDebugError::post("VntPluginsManager::read", "%s", what.c_str());
-    else
-      qCDebug(pluginsLog, "%s", what.c_str());
+  // While a configuration is read.
+  bool isFile = false;
+  QString source;
+  QStringList problems;
+  int absentModules = 0;
+  QStringList unknownPlugins;
+
+  void complain(QString const& problem) {
+    post(problem);
+    problems << problem;
   }
+  QString at(qint64 line) const { return QStringLiteral("%1:%2: ").arg(source).arg(line); }
 
-  void loadModule(SbString const& file) {
-    // The module stays loaded when its plug-in goes: code of it may still be in use by the toolkit.
-    void* const library = SoDynamicLibManager::open(modulePath(file));
-    if (!library) return complain("plug-in " + file.str() + ": " + SoDynamicLibManager::getLastError().str());
-    auto* const version =
-        reinterpret_cast<int (*)()>(SoDynamicLibManager::symbol(library, "vntPluginVersion"));
-    auto* const create =
-        reinterpret_cast<VntPlugin* (*)()>(SoDynamicLibManager::symbol(library, "vntCreatePlugin"));
-    // These are faults of the module, whoever named it.
-    if (!version || !create) {
-      SoDebugError::post("VntPluginsManager::read", "%s is not a plug-in.", file.c_str());
-    } else if (version() != VntPlugin::VERSION) {
-      SoDebugError::post("VntPluginsManager::read",
-                         "plug-in %s is made for version %d of the framework, this is %d.", file.c_str(),
-                         version(), VntPlugin::VERSION);
-    } else {
-      plugins.emplace_back(create());
+  /// Into a plug-in or one of its extensions.
+  bool call(Callee const& called, QString const& what, std::function<void()> const& function) {
+    Callee const outer = std::exchange(callee, called);
+    bool ok = true;
+    try {
+      function();
+    } catch (...) {
+      ok = false;
+      complain(tr("plug-in \"%1\": %2 failed: %3").arg(called.plugin, what, currentException()));
     }
+    callee = outer;
+    return ok;
   }
 
-  VntExtension* find(Reference const& wanted) const {
-    for (auto const& plugin : plugins) {
-      if (plugin->getName() == wanted.plugin) return plugin->getExtension(wanted.extension);
+  LoadedPlugin const* findPlugin(QString const& name) const {
+    for (LoadedPlugin const& loaded : plugins) {
+      if (loaded.info.name == name) return &loaded;
     }
     return nullptr;
   }
 
-  VntExtension* findOrComplain(Reference const& wanted) const {
-    VntExtension* const extension = find(wanted);
-    if (!extension)
-      complain("plug-in " + wanted.plugin.str() + " has no extension " + wanted.extension.str());
+  // Reading.
+
+  void loadModules(std::vector<VntConfiguration::Module> const& modules) {
+    if (modules.empty()) return;
+    QStringList badFolders;
+    QStringList const folders = VntPluginLibrary::folders(badFolders);
+    for (QString const& problem : badFolders) complain(problem);
+    for (VntConfiguration::Module const& module : modules) loadModule(module, folders);
+  }
+
+  void loadModule(VntConfiguration::Module const& module, QStringList const& folders) {
+    VntPluginLibrary library(module.file, folders);
+    VntPluginInfo const& info = library.getInfo();
+    LoadedPlugin const* const other = info.name.isEmpty() ? nullptr : findPlugin(info.name);
+    if (!library.getProblem().isEmpty()) {
+      // The elements that refer to it then say nothing new.
+      if (info.name.isEmpty())
+        ++absentModules;
+      else
+        unknownPlugins << info.name;
+      if (library.isAbsent() && !isFile)
+        qCDebug(pluginsLog, "%s", qPrintable(library.getProblem()));
+      else
+        complain(at(module.line) + library.getProblem());
+    } else if (other) {
+      complain(at(module.line) +
+               tr("plug-in \"%1\": %2 is passed over, the plug-in \"%3\" is loaded from %4 already")
+                   .arg(module.file, info.file, info.name, other->info.file));
+    } else {
+      makePlugin(library, module);
+    }
+  }
+
+  void makePlugin(VntPluginLibrary& library, VntConfiguration::Module const& module) {
+    VntPluginInfo const& info = library.getInfo();
+    std::unique_ptr<QObject> object;
+    bool const made =
+        call({info.name, nullptr}, tr("making the object of %1").arg(info.file), [&] { object.reset(library.load()); });
+    auto* const plugin = qobject_cast<VntPlugin*>(object.get());
+    if (plugin) {
+      plugins.push_back({info, std::move(object), plugin});
+      return;
+    }
+    unknownPlugins << info.name;
+    if (object)
+      complain(at(module.line) + tr("plug-in \"%1\": its object is no VntPlugin").arg(info.name));
+    else if (made)
+      complain(at(module.line) + library.getProblem());
+  }
+
+  VntExtension* findExtension(VntConfiguration::Reference const& wanted) {
+    LoadedPlugin const* const loaded = findPlugin(wanted.plugin);
+    if (!loaded) {
+      complainOfUnknownPlugin(wanted);
+      return nullptr;
+    }
+    if (!loaded->info.extensions.contains(wanted.extension)) {
+      complain(at(wanted.line) +
+               tr("plug-in \"%1\" has no extension \"%2\"").arg(wanted.plugin, wanted.extension));
+      return nullptr;
+    }
+    VntExtension* extension = nullptr;
+    bool const called = call({wanted.plugin, nullptr}, tr("getting extension \"%1\"").arg(wanted.extension),
+                             [&] { extension = loaded->plugin->getExtension(toSbString(wanted.extension)); });
+    if (!extension && called) {
+      complain(at(wanted.line) +
+               tr("plug-in \"%1\" names the extension \"%2\" in its metadata but does not have it")
+                   .arg(wanted.plugin, wanted.extension));
+    }
+    if (extension) pluginOf[extension] = wanted.plugin;
     return extension;
   }
 
-  void activate(Profile const& profile) {
-    for (ActiveExtension const& entry : profile.active) {
-      VntExtension* const extension = findOrComplain(entry);
-      if (!extension) continue;
-      for (Reference const& editor : entry.controlled) {
-        if (VntExtension* const controlled = findOrComplain(editor)) extension->addControlled(controlled);
-      }
-      extension->activate();
-      active.push_back(extension);
+  /// Once a plug-in, and not where that only follows from a module that could not be loaded: which plug-in is
+  /// in a file that is not there, nobody knows.
+  void complainOfUnknownPlugin(VntConfiguration::Reference const& wanted) {
+    if (unknownPlugins.contains(wanted.plugin)) return;
+    unknownPlugins << wanted.plugin;
+    QString const problem = at(wanted.line) + tr("there is no plug-in \"%1\"").arg(wanted.plugin);
+    if (absentModules-- > 0)
+      qCDebug(pluginsLog, "%s", qPrintable(problem));
+    else
+      complain(problem);
+  }
+
+  void activate(VntConfiguration::ActiveExtension const& entry) {
+    VntExtension* const extension = findExtension(entry);
+    if (!extension) return;
+    QString const name = entry.extension;
+    if (std::find(active.begin(), active.end(), extension) != active.end()) {
+      return complain(at(entry.line) + tr("extension \"%1\" is active already").arg(name));
     }
+    for (VntConfiguration::Reference const& reference : entry.controlled) {
+      VntExtension* const controlled = findExtension(reference);
+      if (!controlled) continue;
+      bool taken = false;
+      bool const called =
+          call({entry.plugin, extension}, tr("adding \"%1\" to \"%2\"").arg(reference.extension, name),
+               [&] { taken = extension->addControlled(controlled); });
+      if (called && !taken) {
+        complain(at(reference.line) +
+                 tr("extension \"%1\" can not be controlled by \"%2\"").arg(reference.extension, name));
+      }
+    }
+    if (call({entry.plugin, extension}, tr("activating extension \"%1\"").arg(name),
+             [&] { extension->activate(); })) {
+      active.push_back(extension);
+    } else if (VntShell* const shell = VntShell::getInstance()) {
+      Q_EMIT shell->extensionGone(extension, false);
+    }
+  }
+
+  void activateDefault(VntConfiguration const& configuration) {
+    if (configuration.defaultProfile.isEmpty()) return;
+    for (VntConfiguration::Profile const& profile : configuration.profiles) {
+      if (profile.name != configuration.defaultProfile) continue;
+      for (VntConfiguration::ActiveExtension const& entry : profile.active) activate(entry);
+      return;
+    }
+    complain(at(configuration.profilesLine) +
+             tr("there is no profile \"%1\"").arg(configuration.defaultProfile));
+  }
+
+  // The end.
+
+  void deactivate(VntExtension* extension) {
+    call({pluginOf[extension], extension},
+         tr("deactivating extension \"%1\"").arg(toQString(extension->getName())),
+         [&] { extension->deactivate(); });
+  }
+
+  void destroyLastPlugin() {
+    QString const name = plugins.back().info.name;
+    call({name, nullptr}, tr("destroying its object"), [&] { plugins.pop_back(); });
+    if (VntShell* const shell = VntShell::getInstance()) Q_EMIT shell->pluginGone(toSbString(name));
   }
 };
 
@@ -148,10 +242,12 @@ VntPluginsManager::VntPluginsManager() : m_private(std::make_unique<Private>()) 
 
 VntPluginsManager::~VntPluginsManager() {
   while (!m_private->active.empty()) {
-    m_private->active.back()->deactivate();
+    VntExtension* const last = m_private->active.back();
     m_private->active.pop_back();
+    m_private->deactivate(last);
   }
-  while (!m_private->plugins.empty()) m_private->plugins.pop_back();
+  while (!m_private->plugins.empty()) m_private->destroyLastPlugin();
+  if (VntShell* const shell = VntShell::getInstance()) Q_EMIT shell->pluginGone(SbString());
 }
 
 VntPluginsManager* VntPluginsManager::getInstance() {
@@ -165,31 +261,66 @@ void VntPluginsManager::releaseInstance() {
 }
 
 bool VntPluginsManager::read(SbString const& textOrPath, bool isFile) {
+  Private& p = *m_private;
+  p.isFile = isFile;
+  p.source = isFile ? toQString(textOrPath) : tr("built-in configuration");
+  p.problems.clear();
+  p.unknownPlugins.clear();
+  p.absentModules = 0;
+
   QXmlStreamReader xml;
-  QFile file(QString::fromStdString(textOrPath.str()));
-  char const* const source = isFile ? textOrPath.c_str() : "built-in configuration";
+  QFile file(toQString(textOrPath));
   if (!isFile) {
     xml.addData(QByteArray::fromStdString(textOrPath.str()));
   } else if (file.open(QIODevice::ReadOnly)) {
     xml.setDevice(&file);
   } else {
-    SoDebugError::post("VntPluginsManager::read", "%s: %s", source, qPrintable(file.errorString()));
-    return false;
+    p.complain(p.source + ": " + file.errorString());
   }
-  Configuration const configuration = parse(xml);
-  if (xml.hasError()) {
-    SoDebugError::post("VntPluginsManager::read", "%s:%lld: %s", source, xml.lineNumber(),
-                       qPrintable(xml.errorString()));
-    return false;
+  bool ok = p.problems.isEmpty();
+  if (ok) {
+    std::vector<std::pair<qint64, QString>> problems;
+    VntConfiguration const configuration = VntConfiguration::read(xml, problems);
+    ok = !xml.hasError();
+    if (ok) {
+      for (auto const& [line, problem] : problems) p.complain(p.at(line) + problem);
+      p.loadModules(configuration.modules);
+      p.activateDefault(configuration);
+    } else {
+      // What is wrong behind the first fault of the XML only follows from it.
+      p.complain(p.at(xml.lineNumber()) + xml.errorString());
+    }
   }
-  m_private->modulesMustExist = isFile;
-  for (SbString const& module : configuration.modules) m_private->loadModule(module);
-  for (Profile const& profile : configuration.profiles) {
-    if (profile.name == configuration.defaultProfile) m_private->activate(profile);
-  }
-  return true;
+  showInStatusBar(p.problems);
+  return ok;
 }
 
 VntExtension* VntPluginsManager::getExtension(SbString const& plugin, SbString const& extension) const {
-  return m_private->find({plugin, extension});
+  LoadedPlugin const* const loaded = m_private->findPlugin(toQString(plugin));
+  return loaded ? loaded->plugin->getExtension(extension) : nullptr;
 }
+
+std::vector<VntPluginInfo> VntPluginsManager::getPlugins() const {
+  std::vector<VntPluginInfo> result;
+  for (LoadedPlugin const& loaded : m_private->plugins) result.push_back(loaded.info);
+  return result;
+}
+
+bool VntPluginsManager::call(VntExtension* extension, char const* what,
+                             std::function<void()> const& function) {
+  Private alone; // there need not be a manager
+  Private& p = instance ? *instance->m_private : alone;
+  p.problems.clear();
+  bool const ok = p.call({p.pluginOf[extension], extension}, QLatin1String(what), function);
+  if (!ok) showInStatusBar(p.problems);
+  return ok;
+}
+
+SbString VntPluginsManager::getPluginOf(VntExtension const* extension) {
+  if (!instance) return SbString();
+  auto const found = instance->m_private->pluginOf.find(extension);
+  return found == instance->m_private->pluginOf.end() ? SbString() : toSbString(found->second);
+}
+
+SbString VntPluginsManager::getCalledPlugin() { return toSbString(callee.plugin); }
+VntExtension* VntPluginsManager::getCalledExtension() { return callee.extension; }

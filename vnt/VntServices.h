@@ -37,6 +37,8 @@ class VntServices : public QObject {
   void sceneGraphChanged(SoNode* root);
   void selectedNodeChanged(SoFieldContainer* node);
   void selectedFieldChanged(SoField* field);
+  /// The user wants to edit the selected field now: he has double-clicked its row or pressed Enter on it.
+  void fieldActivated(SoField* field);
 
  protected:
   using QObject::QObject;

@@ -5,17 +5,25 @@
 #include "kestrava/base/SoError.h"
 #include "kestrava/base/SoPreferences.h"
 
+// KESTRAVA_VERSION is the toolkit's version, given when this source is compiled.
+
 namespace {
 
 constexpr char LIBRARY_NAME[] = "libqor_vantle.so";
+/// A text in the library, not a function: looking at it runs nothing.
+constexpr char VERSION_SYMBOL[] = "_toolkitVersion";
 
-SbString libraryPath() {
-  SbString wanted = SoPreferences::getString("KSV_VANTLE_LIBRARY");
-  if (!wanted.empty()) return wanted;
+struct Place {
+  SbString path, description;
+};
+
+std::vector<Place> placesToLook() {
+  SbString const wanted = SoPreferences::getString("KSV_VANTLE_LIBRARY");
+  if (!wanted.empty()) return {{SbFileHelper::expandString(wanted), "named by KSV_VANTLE_LIBRARY"}};
   SbString const own =
       SoDynamicLibManager::getLibraryFromSymbol(reinterpret_cast<void const*>(&SoLibVantle::instance));
-  SbString const beside = SbFileHelper::getDirName(own) + LIBRARY_NAME;
-  return SbFileHelper::exists(beside) ? beside : SbString(LIBRARY_NAME);
+  return {{SbFileHelper::getDirName(own) + LIBRARY_NAME, "beside the toolkit"},
+          {LIBRARY_NAME, "where the dynamic linker searches"}};
 }
 
 } // namespace
@@ -32,19 +40,35 @@ SbString const& SoLibVantle::getLastError() { return instance()->m_lastError; }
 // A failure is not final: the host may say later where the library is.
 bool SoLibVantle::load() {
   if (m_loaded) return true;
-  SbString const path = libraryPath();
-  void* const library = SoDynamicLibManager::open(path, true); // its plug-ins look for its symbols
-  if (!library) {
-    m_lastError = "The inspector can not be loaded: " + SoDynamicLibManager::getLastError().str();
-  } else if (!takeEntryPoints(library)) {
-    m_lastError =
-        "The library " + path.str() + " is not the inspector: " + SoDynamicLibManager::getLastError().str();
-    SoDynamicLibManager::close(library);
-  } else {
-    m_lastError = SbString();
-    m_loaded = true;
+  std::string tried;
+  for (Place const& place : placesToLook()) {
+    std::string const fault = loadFrom(place.path);
+    m_loaded = fault.empty();
+    if (m_loaded) break;
+    tried += (tried.empty() ? "" : "; ") + place.path.str() + " (" + place.description.str() + "): " + fault;
   }
+  m_lastError = m_loaded ? SbString() : SbString("The inspector can not be loaded: " + tried);
   return m_loaded;
+}
+
+/// Empty when the library is in use now; otherwise what is wrong with it.
+std::string SoLibVantle::loadFrom(SbString const& path) {
+  bool const isSearched = path.str().find('/') == std::string::npos;
+  if (!isSearched && !SbFileHelper::exists(path)) return "no such file";
+  void* const library = SoDynamicLibManager::open(path, true); // its plug-ins look for its symbols
+  if (!library) return SoDynamicLibManager::getLastError().str();
+  std::string fault;
+  auto const* const version =
+      static_cast<char const*>(SoDynamicLibManager::symbol(library, VERSION_SYMBOL));
+  if (!version) {
+    fault = std::string("is not the inspector, it has no symbol ") + VERSION_SYMBOL;
+  } else if (std::string_view(version) != KESTRAVA_VERSION) {
+    fault = "is built for version " + std::string(version) + " of the toolkit, which is " KESTRAVA_VERSION " here";
+  } else if (!takeEntryPoints(library)) {
+    fault = "is not complete: " + SoDynamicLibManager::getLastError().str();
+  }
+  if (!fault.empty()) SoDynamicLibManager::close(library);
+  return fault;
 }
 
 bool SoLibVantle::takeEntryPoints(void* library) {

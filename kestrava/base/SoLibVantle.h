@@ -11,9 +11,10 @@ class SoSceneManager;
 /// Starts the inspector in a host program that does not link it: loads libqor_vantle.so when first needed and
 /// calls its entry points.
 ///
-/// The library is taken from the preference KSV_VANTLE_LIBRARY when that is set, else from beside the
-/// toolkit's library, else from where the dynamic linker searches; once loaded it stays. Everything is for
-/// the GUI thread. A host calls processEvents() over and over until it answers false. A start that is not
+/// The library is taken from the path that the preference or environment variable KSV_VANTLE_LIBRARY names
+/// when that is set, else from beside the toolkit's library, else from where the dynamic linker searches; once
+/// loaded it stays. One that was built for another version of the toolkit is refused before any of its
+/// functions is called. Loading it makes no Qt application. Everything is for the GUI thread. A host calls processEvents() over and over until it answers false. A start that is not
 /// possible posts a debug error.
 class SoLibVantle {
  public:
@@ -21,7 +22,8 @@ class SoLibVantle {
   static bool isAvailable();
   /// The one loader, made when it does not exist. Never null.
   static SoLibVantle* instance();
-  /// Why the library could not be loaded; empty when it was.
+  /// Why the library could not be loaded: each place that was tried, and what was wrong there. Empty when it
+  /// was loaded.
   static SbString const& getLastError();
 
   /// `nativeHandle` is a window that the inspector's is created over; null: a top-level one. False when the
@@ -55,6 +57,7 @@ class SoLibVantle {
 
   SoLibVantle() = default;
   bool load();
+  std::string loadFrom(SbString const& path);
   bool takeEntryPoints(void* library);
   bool canStart(char const* operation);
 

@@ -20,10 +20,7 @@ Store& store() {
 }
 
 std::optional<SbString> find(SbString const& key) {
-  {
-    std::lock_guard lock(store().mutex);
-    if (auto found = store().values.find(key.str()); found != store().values.end()) return found->second;
-  }
+  if (auto const value = SoPreferences::getSetValue(key)) return value;
   if (char const* value = std::getenv(key.c_str())) return SbString(value);
   return std::nullopt;
 }
@@ -67,6 +64,12 @@ bool SoPreferences::getBool(SbString const& key, bool defaultValue) {
 
 int SoPreferences::getInt(SbString const& key, int defaultValue) { return number(key, defaultValue); }
 float SoPreferences::getFloat(SbString const& key, float defaultValue) { return number(key, defaultValue); }
+
+std::optional<SbString> SoPreferences::getSetValue(SbString const& key) {
+  std::lock_guard lock(store().mutex);
+  auto const found = store().values.find(key.str());
+  return found == store().values.end() ? std::nullopt : std::optional(found->second);
+}
 
 void SoPreferences::setValue(SbString const& key, SbString const& value) {
   std::lock_guard lock(store().mutex);

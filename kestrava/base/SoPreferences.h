@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "kestrava/base/SbString.h"
 
 /// Settings of the process: a value set here, else the environment variable of that name, else the default.
@@ -19,6 +21,8 @@ class SoPreferences {
 
   /// For every later read in the process; the environment stays as it is.
   static void setValue(SbString const& key, SbString const& value);
+  /// What setValue() gave, whatever the environment says; none when nothing is set.
+  static std::optional<SbString> getSetValue(SbString const& key);
   /// Takes back setValue(): the environment counts again.
   static void removeValue(SbString const& key);
 };

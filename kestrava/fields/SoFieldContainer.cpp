@@ -4,7 +4,6 @@
 #include <optional>
 #include <unordered_map>
 
-#include "kestrava/base/SoPath.h"
 #include "kestrava/fields/SoFieldWalk.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/nodes/SoNode.h"
@@ -180,18 +179,15 @@ void SoFieldContainer::afterNotification(std::function<void()> function) {
 
 void SoFieldContainer::notify(SoNotification const& notification) {
   NotificationDepth const depth;  // what waits for this notification is called even when nobody is told
+  SoNodeSensor::Dispatch::makePaths();
   if (!m_notifyEnabled) return;
   static std::atomic<std::uint32_t> lastVisit{0};
   std::uint32_t const visit = ++lastVisit;
 
-  struct Reached {
-    SoFieldContainer* container;
-    int from;  // index of the container below it
-  };
   // One list a thread, used as a stack by changes made inside changes.
-  static thread_local std::vector<Reached> reached;
+  static thread_local std::vector<SoNodeSensor::Dispatch::Reached> reached;
   size_t const base = reached.size();
-  SoNodeSensor::Dispatch dispatch;
+  SoNodeSensor::Dispatch dispatch(reached);
   std::optional<SoFieldWalk> referrers;  // fields that are watched and refer to something that changed
 
   m_visit = visit;
@@ -211,19 +207,9 @@ void SoFieldContainer::notify(SoNotification const& notification) {
           if (field->isWatched()) (referrers ? *referrers : referrers.emplace()).reach(field);
           break;
         }
-        case SoAuditorList::SENSOR: {
-          auto* sensor = static_cast<SoNodeSensor*>(auditor);
-          SoRef<SoPath> path;
-          if (sensor->getTriggerPathFlag() && container->isOfType(SoNode::getClassTypeId())) {
-            path = SoRef<SoPath>(new SoPath(static_cast<SoNode*>(container)));
-            for (int below = reached[i].from; below >= 0; below = reached[base + below].from) {
-              auto* node = dynamic_cast<SoNode*>(reached[base + below].container);
-              if (node) path->appendNode(node);
-            }
-          }
-          dispatch.add(sensor, std::move(path));
+        case SoAuditorList::SENSOR:
+          dispatch.add(static_cast<SoNodeSensor*>(auditor), static_cast<int>(i - base));
           break;
-        }
         case SoAuditorList::PATH: break;
       }
       if (next && next->m_visit != visit && next->m_notifyEnabled) {
@@ -232,7 +218,6 @@ void SoFieldContainer::notify(SoNotification const& notification) {
       }
     }
   }
-  reached.resize(base);
   if (referrers) referrers->tellSensors();
   dispatch.run(notification);
 }

@@ -17,6 +17,9 @@ void SoWWWInline::setFetchURLCallBack(SoWWWInlineFetchURLCB* function, void* dat
   fetchData = data;
 }
 
+SoWWWInlineFetchURLCB* SoWWWInline::getFetchURLCallBack() { return fetchFunction; }
+void* SoWWWInline::getFetchURLData() { return fetchData; }
+
 void SoWWWInline::requestChildrenFromURL() {
   if (!fetchFunction || name.getValue().empty()) return;
   m_requested = true;

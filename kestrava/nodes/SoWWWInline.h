@@ -27,6 +27,8 @@ class SoWWWInline : public SoNode {
 
   /// One function for all inlines; null removes it.
   static void setFetchURLCallBack(SoWWWInlineFetchURLCB* function, void* data = nullptr);
+  static SoWWWInlineFetchURLCB* getFetchURLCallBack();
+  static void* getFetchURLData();
   /// Calls that function; without one, or without a name, nothing happens.
   void requestChildrenFromURL();
   bool isURLDataRequested() const { return m_requested; }

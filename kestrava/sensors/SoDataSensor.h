@@ -31,13 +31,11 @@ class SoDataSensor : public SoDelayQueueSensor {
  protected:
   SoDataSensor(SoSensorCB* function, void* data) : SoDelayQueueSensor(function, data) {}
   ~SoDataSensor() override;
-  void fire(SoNotification const& notification, SoRef<SoPath> path);
+  void fire(SoNotification const& notification);
   void callDeleteFunction();
-  void dropPath() { m_path.reset(); }
 
  private:
   SoNotification m_trigger;
-  SoRef<SoPath> m_path;
   bool m_wantsPath = false;
   SoSensorCB* m_deleteFunction = nullptr;
   void* m_deleteData = nullptr;

@@ -20,17 +20,30 @@ class SoNodeSensor : public SoDataSensor {
   SoNode* getAttachedNode() const;
 
   /// The sensors reached by one change. One that is detached or destroyed by another's function while the
-  /// list is worked off is not called.
+  /// list is worked off is not called. Paths are made when somebody asks for one, or wants to change the graph.
   class Dispatch {
    public:
-    Dispatch();
+    struct Reached {
+      SoFieldContainer* container;
+      int from;  // index of the container below it, from the first of this change; -1: where the change was made
+    };
+    /// The list is used as a stack: what is entered from now on belongs to this change.
+    explicit Dispatch(std::vector<Reached>& reached);
     ~Dispatch();
-    void add(SoNodeSensor* sensor, SoRef<SoPath> path);
+    /// The sensor's container is the one that was reached as the `at`th.
+    void add(SoNodeSensor* sensor, int at);
     void run(SoNotification const& notification);
+    /// To be called before a change inside a sensor's function: afterwards the way may be another one.
+    static void makePaths();
 
    private:
+    friend class SoDataSensor;
     friend class SoNodeSensor;
     struct Entry;
+    SoPath* pathOf(SoDataSensor const* sensor);
+    void makePath(Entry& entry) const;
+    std::vector<Reached>& m_reached;
+    std::size_t m_base;
     std::vector<Entry> m_entries;
     Dispatch* m_outer;
   };
@@ -44,5 +57,6 @@ class SoNodeSensor : public SoDataSensor {
 
 struct SoNodeSensor::Dispatch::Entry {
   SoNodeSensor* sensor;
+  int at;  // -1: wants no path, or has it
   SoRef<SoPath> path;
 };

@@ -40,7 +40,8 @@ void SoSensorManager::insert(SoDelayQueueSensor* sensor) {
   Queue& q = queue();
   sensor->m_order = ++q.lastOrder;
   auto& set = sensor->isIdleOnly() ? q.idle : q.ordinary;
-  set.insert({sensor->m_priority, sensor->m_order, sensor});
+  // Mostly it belongs at the end: all ordinary sensors have one priority.
+  set.insert(set.end(), {sensor->m_priority, sensor->m_order, sensor});
   if (set.size() == 1 && q.changed) q.changed();
 }
 

@@ -9,7 +9,6 @@
 #include "kestrava/base/SbFileHelper.h"
 #include "kestrava/base/SoDynamicLibManager.h"
 #include "kestrava/base/SoError.h"
-#include "kestrava/base/SoLibVantle.h"
 #include "kestrava/base/SoModule.h"
 #include "kestrava/base/SoModuleTool.h"
 #include "kestrava/base/SoPreferences.h"
@@ -119,7 +118,9 @@ TEST(SoPreferences, ProcessBeforeEnvironmentBeforeDefault) {
   SoPreferences::setValue(key, "process");
   EXPECT_EQ(SoPreferences::getString(key), SbString("process"));
   EXPECT_STREQ(::getenv(key.c_str()), "environment");
+  EXPECT_EQ(SoPreferences::getSetValue(key), SbString("process"));
   SoPreferences::removeValue(key);
+  EXPECT_FALSE(SoPreferences::getSetValue(key));
   EXPECT_EQ(SoPreferences::getString(key), SbString("environment"));
   ::unsetenv(key.c_str());
 }
@@ -248,27 +249,6 @@ TEST(SoDynamicLibManager, FindsLibrariesAndSymbols) {
   SoDynamicLibManager::close(library);
   EXPECT_EQ(SoDynamicLibManager::open("/no/such/library.so"), nullptr);
   EXPECT_NE(SoDynamicLibManager::getLastError().str().find("/no/such/library.so"), std::string::npos);
-}
-
-TEST(SoLibVantle, SaysWhyItCanNotBeLoaded) {
-  struct {
-    SbString library, reason;
-  } const cases[] = {
-      {"/no/such/inspector.so", "/no/such/inspector.so"},
-      {SoDynamicLibManager::getLibraryFromSymbol(reinterpret_cast<void const*>(&::getpid)), "_startNode"},
-  };
-  for (auto const& test : cases) {
-    SoPreferences::setValue("KSV_VANTLE_LIBRARY", test.library);
-    EXPECT_FALSE(SoLibVantle::isAvailable());
-    EXPECT_NE(SoLibVantle::getLastError().str().find(test.reason.str()), std::string::npos);
-    Collector<SoDebugError> debug;
-    EXPECT_FALSE(SoLibVantle::instance()->startNode(nullptr));
-    EXPECT_EQ(debug.texts.size(), 1u);
-    SoLibVantle::instance()->stop();
-    EXPECT_FALSE(SoLibVantle::instance()->processEvents());
-    EXPECT_FALSE(SoLibVantle::instance()->isRunning());
-  }
-  SoPreferences::removeValue("KSV_VANTLE_LIBRARY");
 }
 
 } // namespace

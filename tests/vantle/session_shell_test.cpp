@@ -1,21 +1,19 @@
-// What plug-ins find: shell, services, plug-in manager.
+// What plug-ins find: shell and services.
 
 #include <QAction>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QWidget>
 
-#include "kestrava/base/SoError.h"
 #include "kestrava/nodes/SoCube.h"
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoSeparator.h"
+#include "tests/vantle/ErrorLog.h"
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoVantleMainFrame.h"
-#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/session/VntShellImpl.h"
 #include "vnt/VntExtension.h"
-#include "vnt/VntPluginsManager.h"
 
 namespace {
 
@@ -31,16 +29,6 @@ struct Panel : VntExtension {
   void show() override { ++shown; }
   void hide() override { ++hidden; }
   int shown = 0, hidden = 0;
-};
-
-/// The errors that the toolkit is told while this lives.
-template <class Error> struct Errors {
-  Errors() { Error::setHandlerCallback(take, this); }
-  ~Errors() { Error::setHandlerCallback(nullptr); }
-  static void take(SoError const* error, void* self) {
-    static_cast<Errors*>(self)->texts << toQString(error->getDebugString());
-  }
-  QStringList texts;
 };
 
 TEST_F(ShellTest, ContextMenusFollowTheTypes) {
@@ -97,7 +85,7 @@ TEST_F(ShellTest, TheFirstPreferencePageOfAnExtensionWins) {
 
 TEST_F(ShellTest, ASecondShellIsRefused) {
   start();
-  Errors<SoError> errors;
+  ErrorLog<SoError> errors;
   VntShell* const shell = VntShell::getInstance();
   VntShellImpl::createInstance(0);
   EXPECT_EQ(errors.texts, QStringList{"VntShellImpl::createInstance, instance already exists."});
@@ -123,36 +111,6 @@ TEST_F(ShellTest, ServicesStoreBeforeTheyTell) {
   EXPECT_EQ(nodes.size(), 1);
   EXPECT_EQ(services->getSelectedNode(), node.get());
   services->setSelectedNode(nullptr);
-}
-
-TEST(PluginsManagerTest, SaysWhatIsWrongWithAConfiguration) {
-  QTemporaryDir folder;
-  QByteArray const missing =
-      "<?xml version=\"1.0\"?><configuration><plugins><loadPlugin file=\"no_such_module\"/></plugins>"
-      "</configuration>";
-  QFile file(folder.filePath("c.xml"));
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(missing);
-  file.close();
-  struct Case {
-    SbString source;
-    bool isFile, isRead;
-    char const* complaint; // null: none
-  } const cases[] = {
-      {toSbString(file.fileName()), true, true, "no_such_module"},
-      {SbString(missing.toStdString()), false, true, nullptr},
-      {"<configuration><plugins>", false, false, "built-in configuration:1:"},
-      {"<other/>", false, false, "\"other\""},
-      {toSbString(folder.filePath("none.xml")), true, false, "none.xml"},
-  };
-  for (Case const& c : cases) {
-    Errors<SoDebugError> errors;
-    EXPECT_EQ(VntPluginsManager::getInstance()->read(c.source, c.isFile), c.isRead) << c.source.str();
-    EXPECT_EQ(errors.texts.size(), c.complaint ? 1 : 0) << c.source.str();
-    EXPECT_TRUE(errors.texts.value(0).contains(c.complaint ? c.complaint : ""))
-        << qPrintable(errors.texts.value(0));
-  }
-  VntPluginsManager::releaseInstance();
 }
 
 } // namespace

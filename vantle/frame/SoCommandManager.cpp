@@ -1,16 +1,37 @@
 #include "vantle/frame/SoCommandManager.h"
 
 #include <QAction>
+#include <QStatusBar>
+#include <QTextDocument>
 
 #include "kestrava/base/SoError.h"
 #include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/inspect/SoVantleEdition.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VantleMessageBox.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/session/VntShellImpl.h"
 #include "vantle/tree/SoVantleTreeView.h"
 #include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/QtText.h"
 #include "vnt/VntCommand.h"
+
+namespace {
+
+constexpr int MESSAGE_TIME = 3000; // milliseconds
+
+/// A command's text may hold what the user typed, and that what looks like markup.
+QString toolTip(QString const& text) {
+  return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
+}
+
+/// Empty texts bring back what Qt shows for the action by itself.
+void describe(QAction* action, QString const& text) {
+  action->setToolTip(toolTip(text));
+  action->setStatusTip(text);
+}
+
+} // namespace
 
 SoCommandManager::SoCommandManager() = default;
 SoCommandManager::~SoCommandManager() = default;
@@ -46,6 +67,7 @@ SoTreeViewItem* SoCommandManager::currentTreeItem() const {
 
 void SoCommandManager::addCommand(VntCommand* command) {
   if (!command || !m_commandHistory) return;
+  SoVantleImpl::Call const call;
   ++m_busyDepth;
   mainFrame()->m_redoAction->setEnabled(false);
   while (m_commandHistory->size() > m_historyIndex + 1) {
@@ -63,26 +85,48 @@ void SoCommandManager::addCommand(VntCommand* command) {
 
 void SoCommandManager::undo() {
   if (!m_commandHistory || m_commandHistory->isEmpty() || m_historyIndex < 0) return;
+  SoVantleImpl::Call const call;
   ++m_busyDepth;
   mainFrame()->m_redoAction->setEnabled(true);
-  m_commandHistory->at(m_historyIndex)->undo();
+  VntCommand* const command = m_commandHistory->at(m_historyIndex);
+  QString const text = toQString(command->getText());
+  command->undo();
   if (--m_historyIndex < 0) mainFrame()->m_undoAction->setEnabled(false);
   endOperation();
+  if (!text.isEmpty()) announce(tr("Undone: %1").arg(text));
 }
 
 void SoCommandManager::redo() {
   if (!m_commandHistory || m_historyIndex + 1 >= m_commandHistory->size()) return;
+  SoVantleImpl::Call const call;
   ++m_busyDepth;
   mainFrame()->m_undoAction->setEnabled(true);
-  m_commandHistory->at(++m_historyIndex)->redo();
+  VntCommand* const command = m_commandHistory->at(++m_historyIndex);
+  QString const text = toQString(command->getText());
+  command->redo();
   if (m_historyIndex + 1 == m_commandHistory->size()) mainFrame()->m_redoAction->setEnabled(false);
   endOperation();
+  if (!text.isEmpty()) announce(tr("Redone: %1").arg(text));
 }
 
 void SoCommandManager::endOperation() {
   --m_busyDepth;
   processClearUndoCommand();
+  describeHistory();
 }
+
+/// The actions keep their names and say what they would do.
+void SoCommandManager::describeHistory() {
+  auto const textOf = [this](int index) {
+    bool const exists = m_commandHistory && index >= 0 && index < m_commandHistory->size();
+    return exists ? toQString(m_commandHistory->at(index)->getText()) : QString();
+  };
+  QString const undone = textOf(m_historyIndex), redone = textOf(m_historyIndex + 1);
+  describe(mainFrame()->m_undoAction, undone.isEmpty() ? QString() : tr("Undo: %1").arg(undone));
+  describe(mainFrame()->m_redoAction, redone.isEmpty() ? QString() : tr("Redo: %1").arg(redone));
+}
+
+void SoCommandManager::announce(QString const& what) { mainFrame()->statusBar()->showMessage(what, MESSAGE_TIME); }
 
 void SoCommandManager::clearUndoCommands() {
   m_clearPending = true;
@@ -98,6 +142,7 @@ void SoCommandManager::processClearUndoCommand() {
   m_historyIndex = -1;
   m_changed = false;
   m_clearPending = false;
+  describeHistory();
 }
 
 // Read errors.

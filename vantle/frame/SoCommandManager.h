@@ -106,6 +106,8 @@ class SoCommandManager : public QObject {
   SoVantleMainFrame* mainFrame() const;
   SoTreeViewItem* currentTreeItem() const;
   void endOperation();
+  void describeHistory();
+  void announce(QString const& what);
   void setOverviewItem(SoTreeViewItem* item);
   void makeCurrent(SoTreeViewItem* item);
   void findWith(int flags);

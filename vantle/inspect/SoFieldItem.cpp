@@ -31,7 +31,10 @@ SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldItem const* other)
       m_defaultField(other->m_defaultField),
       m_catalogPart(other->m_catalogPart),
       m_sensor(&SoVantleList::fieldSensorCB, list) {
-  for (int column = 0; column < other->columnCount(); ++column) setText(column, other->text(column));
+  for (int column = 0; column < other->columnCount(); ++column) {
+    if (column != SoVantleList::FIELD_VALUE_COLUMN) setText(column, other->text(column));
+  }
+  m_value = other->m_value;
   if (m_defaultField) list->keepDefaultInstance(m_defaultField->getContainer());
   watch();
 }
@@ -39,11 +42,22 @@ SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldItem const* other)
 void SoFieldItem::watch() {
   m_sensor.attach(m_field);
   m_sensor.setDeleteCallback(&SoFieldItem::fieldDiesCB, this);
+  m_list->m_rows.insert(m_field, this);
   m_list->addTopLevelItem(this);
+}
+
+SoFieldItem::~SoFieldItem() {
+  if (m_field && m_list) m_list->m_rows.remove(m_field, this);
+}
+
+void SoFieldItem::leaveList() {
+  m_sensor.detach();
+  m_list = nullptr;
 }
 
 void SoFieldItem::fieldDiesCB(void* data, SoSensor*) {
   auto* const item = static_cast<SoFieldItem*>(data);
+  item->m_list->m_rows.remove(item->m_field, item);
   item->m_field = nullptr;
   if (item->m_list->currentItem() == item) item->m_list->setCurrentItem(nullptr);
   item->setFlags(item->flags() & ~Qt::ItemIsEnabled);
@@ -56,7 +70,33 @@ SoFieldItem* SoFieldItem::nextSibling() const {
   return SoFieldItem::cast(m_list->topLevelItem(row + 1));
 }
 
+SoFieldItem::Change SoFieldItem::fetch() {
+  SoVantleList::Value const value = SoVantleList::valueOf(m_field);
+  bool const enabled = value.enabled && m_field->getFieldType() != SoField::READ_ONLY;
+  if (enabled != bool(flags() & Qt::ItemIsEnabled)) setFlags(flags() ^ Qt::ItemIsEnabled);
+  bool const ignored = m_field->isIgnored(), connected = m_field->isConnected(),
+             byDefault = m_field->isDefault();
+  Change change = NOTHING;
+  // An image has no text; what stood there stays.
+  if (!value.isImage && m_value != value.text) {
+    m_value = value.text;
+    change = VALUE;
+  }
+  // Style and icons.
+  if (ignored != m_ignored || connected != m_connected || byDefault != m_wasDefault) change = ROW;
+  m_ignored = ignored;
+  m_connected = connected;
+  m_wasDefault = byDefault;
+  return change;
+}
+
 QVariant SoFieldItem::data(int column, int role) const {
+  if (role == Qt::DisplayRole && column == SoVantleList::FIELD_VALUE_COLUMN) return m_value;
+  if (role == Qt::DecorationRole && column == SoVantleList::IGNORED_COLUMN)
+    return SoVantleList::ignoredIcon(m_ignored);
+  if (role == Qt::DecorationRole && column == SoVantleList::CONNECTED_COLUMN) {
+    return SoVantleList::connectedIcon(m_connected);
+  }
   bool const enabled = flags() & Qt::ItemIsEnabled;
   if (role == Qt::ForegroundRole && enabled) {
     QColor const& color = m_list->valueColor(isDefault());
@@ -65,7 +105,7 @@ QVariant SoFieldItem::data(int column, int role) const {
     return m_list->valueFont(isDefault());
   } else if (role == Qt::ToolTipRole && column == SoVantleList::FIELD_VALUE_COLUMN) {
     // For values that the column is too narrow for.
-    return text(column).left(1000);
+    return m_value.left(1000);
   }
   return QTreeWidgetItem::data(column, role);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QTreeWidgetItem>
 
 #include "kestrava/sensors/SoFieldSensor.h"
@@ -21,6 +22,7 @@ class SoFieldItem : public QTreeWidgetItem {
   SoFieldItem(SoVantleList* list, SoFieldItem const* other);
   SoFieldItem(SoFieldItem const&) = delete;
   SoFieldItem& operator=(SoFieldItem const&) = delete;
+  ~SoFieldItem() override;
 
   static SoFieldItem* cast(QTreeWidgetItem* item) {
     return item && item->type() == TYPE ? static_cast<SoFieldItem*>(item) : nullptr;
@@ -39,6 +41,12 @@ class SoFieldItem : public QTreeWidgetItem {
   QVariant data(int column, int role) const override;
 
  private:
+  friend class SoVantleList;
+  enum Change { NOTHING, VALUE, ROW };
+  /// Fetches the value from the field, and says what of the row looks different from before.
+  Change fetch();
+  /// The list goes before the row does.
+  void leaveList();
   static void fieldDiesCB(void* item, SoSensor* sensor);
   void watch();
 
@@ -46,5 +54,10 @@ class SoFieldItem : public QTreeWidgetItem {
   SoField* m_field;
   SoField* m_defaultField;
   bool m_catalogPart;
+  // The value, kept here and not by the base class, which would search the view for the row at every change.
+  QString m_value;
+  bool m_ignored = false, m_connected = false, m_wasDefault = false;
+  QRect m_shownAt;            // in the list's viewport, when it was last painted
+  quint64 m_shownInPaint = 0; // number of that paint
   SoFieldSensor m_sensor;
 };

@@ -15,6 +15,7 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/inspect/SoFieldItem.h"
 #include "vantle/inspect/SoNodeOverviewList.h"
+#include "vantle/inspect/SoSteadyLabel.h"
 #include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 
@@ -74,6 +75,7 @@ void SoNodeOverview::initClass() {
   auto* const info = new QHBoxLayout;
   info->setObjectName(QStringLiteral("m_nodeInfoLayout"));
   info->setContentsMargins(4, 4, 4, 4);
+  info->setSpacing(6);
   m_nodeNameLabel = makeLabel("m_nodeNameLabel");
   m_nodeNameValue = new QLineEdit(frame);
   m_nodeNameValue->setObjectName(QStringLiteral("m_nodeNameValue"));
@@ -92,13 +94,14 @@ void SoNodeOverview::initClass() {
   m_nodeNameLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
   m_nodeIdLabel->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
   info->addWidget(m_adressLabel, 3);
-  info->addWidget(m_nodeIdLabel, 1);
+  info->addWidget(new SoSteadyLabel(m_nodeIdLabel), 1);
   info->setStretchFactor(m_nodeNameValue, 2);
   frameLayout->addLayout(info);
 
   auto* const checks = new QHBoxLayout;
   checks->setObjectName(QStringLiteral("m_checkLayout"));
   checks->setContentsMargins(4, 4, 4, 4);
+  checks->setSpacing(6);
   m_overrideCheckBox = makeBox("m_overrideCheckBox");
   m_overrideCheckBox->setEnabled(false);
   m_showChangedCheckBox = makeBox("m_showChangedCheckBox");
@@ -116,6 +119,11 @@ void SoNodeOverview::initClass() {
   layout->addWidget(m_list, 1);
 
   m_sensor.setDeleteCallback(&SoNodeOverview::containerDiesCB, this);
+  m_idPause.setSingleShot(true);
+  m_idPause.setInterval(250);
+  connect(&m_idPause, &QTimer::timeout, this, [this] {
+    if (std::exchange(m_idIsOld, false) && m_container) idChanged();
+  });
   connect(m_showChangedCheckBox, &QCheckBox::toggled, m_list, &SoVantleList::showChangedValues);
   connect(m_overrideCheckBox, &QCheckBox::released, this, &SoNodeOverview::overrideButtonStateChanged);
   connect(m_watchButton, &QPushButton::clicked, this, [] {
@@ -224,7 +232,16 @@ void SoNodeOverview::nodeSensorCB(void* data, SoSensor*) {
   auto* const overview = static_cast<SoNodeOverview*>(data);
   if (!overview || !asNode(overview->m_container)) return;
   overview->showState();
-  overview->showId();
+  overview->idChanged();
+}
+
+// In a scene that moves, the id is another one in every frame, which nobody can read, and which costs the host's
+// frame more than all else here.
+void SoNodeOverview::idChanged() {
+  m_idIsOld = m_idPause.isActive();
+  if (m_idIsOld) return;
+  showId();
+  m_idPause.start();
 }
 
 void SoNodeOverview::containerDiesCB(void* data, SoSensor*) {

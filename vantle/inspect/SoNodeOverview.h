@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
 #include "kestrava/sensors/SoNodeSensor.h"
@@ -51,10 +52,13 @@ class SoNodeOverview : public QWidget {
   void initClass();
   void showName(SoNode* kit);
   void showId();
+  void idChanged();
   void showState();
 
   SoFieldContainer* m_container = nullptr;
   SoNodeSensor m_sensor;
+  QTimer m_idPause; // runs while the shown id stays
+  bool m_idIsOld = false;
   QLabel* m_nodeNameLabel = nullptr;
   QLineEdit* m_nodeNameValue = nullptr;
   QLabel* m_nodeNetNameLabel = nullptr; // only in a host's launch mode

@@ -40,6 +40,7 @@ SoNodeOverview* SoTabNodeOverview::makePage() {
   page->getList()->initPreferences();
   setNodeOverviewPreferences(page);
   connect(page->getList(), &QTreeWidget::currentItemChanged, m_edition, &SoVantleEdition::setField);
+  connect(page->getList(), &QTreeWidget::itemActivated, m_edition, &SoVantleEdition::activateField);
   connect(page->getList(), &SoVantleList::columnWidthChanged, this,
           &SoTabNodeOverview::overviewColumnListChanged);
   // Rows show names too.

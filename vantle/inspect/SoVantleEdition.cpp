@@ -74,6 +74,12 @@ void SoVantleEdition::setField(QTreeWidgetItem* current, QTreeWidgetItem*) {
     services->setSelectedField(item ? item->getField() : nullptr);
 }
 
+void SoVantleEdition::activateField(QTreeWidgetItem* row) {
+  setField(row);
+  VntServices* const services = VntServices::getInstance();
+  if (services && services->getSelectedField()) Q_EMIT services->fieldActivated(services->getSelectedField());
+}
+
 void SoVantleEdition::addFieldWatch() {
   SoFieldItem const* const item = m_overviews ? m_overviews->getCurrentFieldItem() : nullptr;
   SoField const* const field = item ? item->getField() : nullptr;

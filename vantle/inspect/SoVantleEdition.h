@@ -34,6 +34,8 @@ class SoVantleEdition : public QObject {
  public Q_SLOTS:
   /// The current row of a list of fields changed; null: no field is selected.
   void setField(QTreeWidgetItem* current, QTreeWidgetItem* previousField = nullptr);
+  /// The user wants to edit the field of that row now.
+  void activateField(QTreeWidgetItem* item);
   void addFieldWatch();
 
  private:

@@ -96,6 +96,8 @@ SoVantleList::SoVantleList(QWidget* parent, char const* name, Qt::WindowFlags fl
 SoVantleList::~SoVantleList() {
   disconnect(this, nullptr, nullptr, nullptr);
   QTreeWidget::clear();
+  // Rows that were taken out are somebody else's.
+  for (SoFieldItem* row : std::as_const(m_rows)) row->leaveList();
 }
 
 bool SoVantleList::hasNetNameColumn() {
@@ -146,19 +148,37 @@ bool SoVantleList::isShown(SoField const* field) {
 }
 
 void SoVantleList::displayFieldItem(SoFieldItem* item) {
-  SoField* const field = item->getField();
-  if (!field) return;
-  Value const value = valueOf(field);
-  bool const enabled = value.enabled && field->getFieldType() != SoField::READ_ONLY;
-  if (enabled != bool(item->flags() & Qt::ItemIsEnabled)) item->setFlags(item->flags() ^ Qt::ItemIsEnabled);
-  if (value.isImage) {
-    item->setIcon(FIELD_VALUE_COLUMN, QIcon(QPixmap()));
-  } else {
-    item->setText(FIELD_VALUE_COLUMN, value.text);
+  if (!item->getField()) return;
+  SoFieldItem::Change const change = item->fetch();
+  if (change == SoFieldItem::NOTHING) return;
+  // Rows that stand in the order of their values find their new place.
+  if (header()->sortIndicatorSection() == FIELD_VALUE_COLUMN) return item->emitDataChanged();
+  // All changes until the next paint make one; rows that nobody sees cost nothing.
+  if (item->m_shownInPaint != m_paint) return;
+  QRect place = item->m_shownAt;
+  if (change == SoFieldItem::VALUE) {
+    place.setLeft(columnViewportPosition(FIELD_VALUE_COLUMN));
+    place.setWidth(columnWidth(FIELD_VALUE_COLUMN));
   }
-  item->setIcon(IGNORED_COLUMN, field->isIgnored() ? ignoreIcon() : QIcon());
-  item->setIcon(CONNECTED_COLUMN, field->isConnected() ? connectionIcon() : QIcon());
+  viewport()->update(place);
 }
+
+// Whatever moves rows, or shows the list again, ends in a paint.
+void SoVantleList::paintEvent(QPaintEvent* event) {
+  ++m_paint;
+  int const bottom = viewport()->height();
+  for (QTreeWidgetItem* item = itemAt(0, 0); item; item = itemBelow(item)) {
+    QRect const place = visualItemRect(item);
+    if (place.top() >= bottom) break;
+    auto* const row = static_cast<SoFieldItem*>(item);
+    row->m_shownAt = QRect(0, place.top(), viewport()->width(), place.height());
+    row->m_shownInPaint = m_paint;
+  }
+  QTreeWidget::paintEvent(event);
+}
+
+QIcon SoVantleList::ignoredIcon(bool ignored) { return ignored ? ignoreIcon() : QIcon(); }
+QIcon SoVantleList::connectedIcon(bool connected) { return connected ? connectionIcon() : QIcon(); }
 
 void SoVantleList::revert(SoField const* field) {
   if (field) {
@@ -175,10 +195,8 @@ std::vector<SoFieldItem*> SoVantleList::items() const {
 }
 
 SoFieldItem* SoVantleList::getListItemFromField(SoField const* field) const {
-  if (!field) return nullptr;
-  for (int i = 0; i < topLevelItemCount(); ++i) {
-    auto* const item = static_cast<SoFieldItem*>(topLevelItem(i));
-    if (item->getField() == field) return item;
+  for (auto row = m_rows.constFind(field); row != m_rows.cend() && row.key() == field; ++row) {
+    if (row.value()->treeWidget()) return row.value();
   }
   return nullptr;
 }

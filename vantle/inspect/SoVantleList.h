@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QMultiHash>
 #include <QString>
 #include <QTreeWidget>
 #include <vector>
@@ -62,6 +63,9 @@ class SoVantleList : public QTreeWidget {
     bool isImage = false; ///< shown as a picture; without text
   };
   static Value valueOf(SoField* field);
+  /// None for false.
+  static QIcon ignoredIcon(bool ignored);
+  static QIcon connectedIcon(bool connected);
   static void fieldSensorCB(void* list, SoSensor* sensor);
 
  public Q_SLOTS:
@@ -76,6 +80,7 @@ class SoVantleList : public QTreeWidget {
   /// An instance of a container's type with its default values, kept until the list goes; null for an
   /// abstract type.
   SoFieldContainer* makeDefaultInstance(SoFieldContainer const* container);
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   friend class SoFieldItem;
@@ -90,5 +95,7 @@ class SoVantleList : public QTreeWidget {
   bool m_showCatalogParts = true;
   bool m_showChangedValues = false;
   bool m_settingWidth = false;
+  QMultiHash<SoField const*, SoFieldItem*> m_rows; // of all items, those taken out too
+  quint64 m_paint = 0;                             // number of the latest paint
   std::vector<SoRef<SoFieldContainer>> m_defaultInstances;
 };

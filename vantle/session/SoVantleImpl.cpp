@@ -1,13 +1,16 @@
 #include "vantle/session/SoVantleImpl.h"
 
 #include <QApplication>
-#include <QLocale>
+#include <QDialog>
+#include <QPointer>
+#include <QThread>
+#include <clocale>
 #include <memory>
 
 #include "kestrava/base/SbFileHelper.h"
 #include "kestrava/base/SbVec2s.h"
 #include "kestrava/base/SoDynamicLibManager.h"
-#include "kestrava/base/SoErrorStack.h"
+#include "kestrava/base/SoError.h"
 #include "kestrava/base/SoKestravaBase.h"
 #include "kestrava/base/SoLibVantle.h"
 #include "kestrava/base/SoModule.h"
@@ -25,6 +28,8 @@
 #include "vantle/prefs/SoVantleConfig.h"
 #include "vantle/session/SoVantleIdleManager.h"
 #include "vantle/session/VantleDefaults.h"
+#include "vantle/session/VantleEventWatch.h"
+#include "vantle/session/VantleHostState.h"
 #include "vantle/session/VantleSnapshot.h"
 #include "vantle/session/VntNodeInfo.h"
 #include "vantle/session/VntServicesImpl.h"
@@ -37,6 +42,9 @@ bool SoVantleImpl::m_isRunning = false;
 bool SoVantleImpl::m_needFinish = false;
 bool SoVantleImpl::m_noQApp = false;
 bool SoVantleImpl::m_didModulesinit = false;
+bool SoVantleImpl::m_finishesSoon = false;
+bool SoVantleImpl::m_isFinishing = false;
+int SoVantleImpl::m_calls = 0;
 
 namespace {
 
@@ -56,12 +64,22 @@ char* qargv[] = {qargName, nullptr};
   return true;
 }();
 
-struct ErrorHandler {
-  SoErrorCB* callback;
-  void* data;
-};
-std::unique_ptr<ErrorHandler> formerErrorHandler; // set while ours is installed
+// Present while a session does. Raw: a program that ends without a stop must not destroy them afterwards.
+VantleHostState* hostState = nullptr;
+VantleEventWatch* eventWatch = nullptr;
 bool modulesInitialised = false;
+QString addedLibraryPath; // in Qt's search path for the session's own application
+
+/// Qt sets the C library's locale when it makes its application. The program's numbers and texts are to stay
+/// as they are.
+class KeptCLocale {
+ public:
+  KeptCLocale() : m_former(std::setlocale(LC_ALL, nullptr)) {}
+  ~KeptCLocale() { std::setlocale(LC_ALL, m_former.c_str()); }
+
+ private:
+  std::string m_former;
+};
 
 /// The render area that shows a scene manager: it refers to the manager by a field, and so is its auditor.
 SoGuiRenderArea* findRenderArea(SoSceneManager* manager) {
@@ -84,12 +102,31 @@ void SoVantleImpl::registerConfiguration() {
   SoInput::addInMemoryTextFile(VantleDefaults::FILE_NAME, VantleDefaults::text());
 }
 
-/// Prepares a start; false when a session runs. What a deferred stop has left is torn down first.
-bool SoVantleImpl::beginStart() {
+/// Prepares a start; false when there can be none. What a deferred stop has left is torn down first.
+bool SoVantleImpl::beginStart(char const* operation) {
   if (m_isRunning) return false;
+  QCoreApplication* const application = QCoreApplication::instance();
+  char const* fault = nullptr;
+  if (m_isFinishing || (m_needFinish && isOnStack())) {
+    fault = "the session before is still handling an event; start again when that is done";
+  } else if (application && !m_needFinish && !qobject_cast<QApplication*>(application)) {
+    fault = "the Qt application is not a QApplication, so it can not have windows";
+  } else if (application && QThread::currentThread() != application->thread()) {
+    fault = "this is not the thread of the Qt application";
+  }
+  if (fault) {
+    SoDebugError::post(operation, "%s.", fault);
+    return false;
+  }
   if (m_needFinish) finish();
   registerConfiguration();
   return true;
+}
+
+/// A plug-in may have asked for a stop while it was brought up.
+void SoVantleImpl::endStart() {
+  if (m_isRunning) watchTheEnd();
+  finishWaiting();
 }
 
 /// True when the host has a Qt application; otherwise Qt's plug-in path is ready for one of ours.
@@ -101,13 +138,22 @@ bool SoVantleImpl::hasQtApplication() {
   SbString folder = SbFileHelper::getDirName(
       SoDynamicLibManager::getLibraryFromSymbol(reinterpret_cast<void const*>(&SoKestravaBase::init)));
   folder = SbFileHelper::toUnixPath(folder + "qtplugins/");
-  if (SbFileHelper::isAccessible(folder))
-    QCoreApplication::addLibraryPath(QString::fromStdString(folder.str()));
+  if (!SbFileHelper::isAccessible(folder)) return false;
+  QStringList const before = QCoreApplication::libraryPaths();
+  QCoreApplication::addLibraryPath(QString::fromStdString(folder.str()));
+  for (QString const& path : QCoreApplication::libraryPaths()) {
+    if (!before.contains(path)) addedLibraryPath = path;
+  }
   return false;
 }
 
+void SoVantleImpl::makeQtApplication(int& argc, char** argv) {
+  KeptCLocale const locale;
+  new QApplication(argc, argv); // finish() destroys it
+}
+
 void SoVantleImpl::start(SoNode* root, void* window) {
-  if (!beginStart()) return;
+  if (!beginStart("SoVantleImpl::start")) return;
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   services->setIsStandaloneApplication(false);
   services->setSceneManager(nullptr);
@@ -116,7 +162,7 @@ void SoVantleImpl::start(SoNode* root, void* window) {
 
 void SoVantleImpl::start(SoSceneManager* manager, void* window) {
   if (!manager) return start(static_cast<SoNode*>(nullptr), window);
-  if (!beginStart()) return;
+  if (!beginStart("SoVantleImpl::start")) return;
   manager->getImpl()->setOwnVantle(1);
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   services->setIsStandaloneApplication(false);
@@ -126,52 +172,63 @@ void SoVantleImpl::start(SoSceneManager* manager, void* window) {
 }
 
 void SoVantleImpl::startInHost(SoNode* root, SoSceneManager* manager, void* window) {
-  if (!hasQtApplication()) new QApplication(qargc, qargv);
-  VntShellImpl::getImplInstance(reinterpret_cast<unsigned long long>(window));
-  QList<QString> const noArguments;
-  init(&noArguments, manager);
-  SoVantleViewer::getInstance()->setScene(root, true);
-  VntShellImpl::getImplInstance()->getMainFrame()->show();
+  {
+    Call const call;
+    if (!hasQtApplication()) makeQtApplication(qargc, qargv);
+    SoVantleMainFrame* const frame =
+        VntShellImpl::getImplInstance(reinterpret_cast<unsigned long long>(window))->getMainFrame();
+    // A host whose own windows are not Qt's is not to quit with this one.
+    frame->setAttribute(Qt::WA_QuitOnClose, false);
+    QList<QString> const noArguments;
+    init(&noArguments, manager);
+    SoVantleViewer::getInstance()->setScene(root, true);
+    SoVantleViewer::getInstance()->followHost();
+    if (m_isRunning) frame->show();
+  }
+  endStart();
 }
 
 void SoVantleImpl::start(SoGuiRenderArea* area) {
   if (m_isRunning || !area) return;
-  if (m_needFinish) finish();
-  VntServicesImpl::getImplInstance()->setRenderArea(area);
+  if (!beginStart("SoVantleImpl::start")) return;
+  VntServicesImpl::getImplInstance()->setRenderArea(area, true);
   start(area->getSceneManager(), nullptr);
 }
 
 void SoVantleImpl::startStandalone(int& argc, char** argv) {
-  if (!beginStart()) return;
-  VantleSnapshot::prepare();
-  if (!hasQtApplication()) new QApplication(argc, argv);
-  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
-  services->setIsStandaloneApplication(true);
-  services->setRenderArea(nullptr);
-  services->setSceneManager(nullptr);
-  SoLibVantle::instance(); // there is a loader in standalone use, too
-  QList<QString> const arguments = QCoreApplication::arguments();
-  init(&arguments, nullptr);
-  if (!SoPreferences::getBool("KSV_DISABLE_MAINLOOP", false)) {
-    VntShellImpl::getImplInstance()->getMainFrame()->show();
+  if (!beginStart("SoVantleImpl::startStandalone")) return;
+  {
+    Call const call;
+    VantleSnapshot::prepare();
+    if (!hasQtApplication()) makeQtApplication(argc, argv);
+    VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+    services->setIsStandaloneApplication(true);
+    services->setRenderArea(nullptr);
+    services->setSceneManager(nullptr);
+    SoLibVantle::instance(); // there is a loader in standalone use, too
+    QList<QString> const arguments = QCoreApplication::arguments();
+    init(&arguments, nullptr);
+    if (m_isRunning && !SoPreferences::getBool("KSV_DISABLE_MAINLOOP", false)) {
+      VntShellImpl::getImplInstance()->getMainFrame()->show();
+    }
+    VantleSnapshot::begin(arguments.size() > 1);
   }
-  VantleSnapshot::begin(arguments.size() > 1);
+  endStart();
 }
 
 void SoVantleImpl::init(QList<QString> const* arguments, SoSceneManager* manager) {
   m_isRunning = true;
-  if (!SoPreferences::hasValue("KSV_DEBUG_STACKERROR")) SoPreferences::setValue("KSV_DEBUG_STACKERROR", "1");
-  SoPreferences::setValue("KSV_STACKWALKER_HTML_OUTPUT", "1");
+  eventWatch = new VantleEventWatch;
+  hostState = new VantleHostState;
+  hostState->setPreferences();
   SoVantleMainFrame* const frame = VntShellImpl::getImplInstance()->getMainFrame();
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   if (services->isStandaloneApplication())
     SoQt::init(frame);
   else
     SoVantleIdleManager();
-  QLocale::setDefault(QLocale(QLocale::C));
-  formerErrorHandler.reset(
-      new ErrorHandler{SoErrorStack::getHandlerCallback(), SoErrorStack::getHandlerData()});
-  SoErrorStack::setHandlerCallback(vantleSignalHandler);
+  hostState->setLocale();
+  hostState->setErrorHandler(vantleSignalHandler);
   for (char const* module : EXTENSION_MODULES) SoModuleTool::initModule(module);
   modulesInitialised = true;
   frame->init();
@@ -181,6 +238,35 @@ void SoVantleImpl::init(QList<QString> const* arguments, SoSceneManager* manager
   bool isFile;
   SbString const configuration = configurationFile(isFile);
   VntPluginsManager::getInstance()->read(configuration, isFile);
+}
+
+/// The Qt application, or the program, may end while the session runs.
+void SoVantleImpl::watchTheEnd() {
+  qAddPostRoutine(applicationEnds);
+  struct EndOfThread {
+    ~EndOfThread() { programEnds(); }
+    bool isUsed = false;
+  };
+  // exit() destroys the objects of its thread before any static ones, which Qt's widgets need to the last.
+  static thread_local EndOfThread end;
+  end.isUsed = true;
+}
+
+// Runs when the application begins to be destroyed, which is the last time for widgets to go.
+void SoVantleImpl::applicationEnds() {
+  m_isRunning = false;
+  m_noQApp = false; // it goes already
+  finish();
+}
+
+void SoVantleImpl::programEnds() {
+  QCoreApplication const* const application = QCoreApplication::instance();
+  bool const exists = m_isRunning || m_needFinish;
+  if (!exists || !application || QThread::currentThread() != application->thread()) return;
+  // exit() was called inside of the inspector: nothing that is in use there goes any more.
+  if (isOnStack()) return;
+  m_isRunning = false;
+  finish();
 }
 
 void SoVantleImpl::initScene() {
@@ -207,25 +293,76 @@ void SoVantleImpl::setFile(QString const* name) {
 }
 
 void SoVantleImpl::setPickAction(SbViewportRegion const& region, SbVec2s position) {
-  if (m_isRunning) SoVantleViewer::getInstance()->setPickAction(region, position);
+  if (!m_isRunning) return;
+  {
+    Call const call;
+    SoVantleViewer::getInstance()->setPickAction(region, position);
+  }
+  finishWaiting();
 }
 
 bool SoVantleImpl::processEvents() {
-  if (m_isRunning && m_noQApp) QCoreApplication::processEvents(QEventLoop::AllEvents);
-  if (m_needFinish) finish();
+  if (m_isRunning && m_noQApp) {
+    Call const call;
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+  }
+  if (m_needFinish && !isOnStack()) finish();
   return m_isRunning;
 }
 
 void SoVantleImpl::stop(bool now) {
   m_isRunning = false;
-  if (now)
-    finish();
-  else
+  if (!now) {
     m_needFinish = true;
+  } else if (!isOnStack()) {
+    finish();
+  } else if (!m_isFinishing) {
+    m_needFinish = m_finishesSoon = true;
+    if (eventWatch) eventWatch->callAfterwards();
+    retire();
+  }
+}
+
+bool SoVantleImpl::isOnStack() {
+  if (m_calls > 0 || m_isFinishing) return true;
+  // The session's own application must not be destroyed while it runs an event loop.
+  if (m_noQApp && QCoreApplication::instance() && QThread::currentThread()->loopLevel() > 0) return true;
+  return eventWatch && eventWatch->isDelivering();
+}
+
+void SoVantleImpl::eventDelivered() {
+  // Here Qt's own application is still at work: processEvents() destroys it.
+  if (!m_noQApp) finishWaiting();
+}
+
+/// Carries out a stop that had to wait, once it can be.
+void SoVantleImpl::finishWaiting() {
+  if (m_finishesSoon && !isOnStack()) finish();
+}
+
+/// A stopped session that can not be torn down yet: nothing of it is to be seen, and what keeps it on the stack
+/// is made to end.
+void SoVantleImpl::retire() {
+  if (!VntServicesImpl::isInstance() || !VntShellImpl::isInstance()) return;
+  if (SoSceneManager* const manager = VntServicesImpl::getImplInstance()->getSceneManager()) {
+    manager->getImpl()->setOwnVantle(0);
+  }
+  SoVantleMainFrame* const frame = VntShellImpl::getImplInstance()->getMainFrame();
+  QList<QPointer<QWidget>> windows;
+  for (QWidget* window : QApplication::topLevelWidgets()) windows << window;
+  for (QPointer<QWidget> const& window : windows) {
+    if (!window || window == frame || !window->isVisible() || !VantleEventWatch::isInspectors(window)) continue;
+    if (auto* const dialog = qobject_cast<QDialog*>(window))
+      dialog->reject();
+    else
+      window->close();
+  }
+  frame->hide();
 }
 
 void SoVantleImpl::finish() {
-  m_needFinish = false;
+  if (m_isFinishing) return;
+  m_isFinishing = true; // what is called meanwhile may ask for a stop again
   bool standalone = false;
   if (VntServicesImpl::isInstance()) {
     VntServicesImpl* const services = VntServicesImpl::getImplInstance();
@@ -234,6 +371,7 @@ void SoVantleImpl::finish() {
   }
   bool isFile;
   configurationFile(isFile); // without use, but a host may rely on its reads of the preferences
+  delete std::exchange(eventWatch, nullptr);
   VntPluginsManager::releaseInstance();
   VntServicesImpl::releaseInstance();
   SoVantleViewer::releaseInstance();
@@ -247,13 +385,14 @@ void SoVantleImpl::finish() {
       SoModuleTool::finishModule(*name);
     }
   }
-  if (formerErrorHandler) {
-    SoErrorStack::setHandlerCallback(formerErrorHandler->callback, formerErrorHandler->data);
-    formerErrorHandler.reset();
-  }
+  delete std::exchange(hostState, nullptr);
   if (standalone) SoQt::finish();
+  qRemovePostRoutine(applicationEnds);
   if (m_noQApp && QCoreApplication::instance()) {
     delete QCoreApplication::instance();
     m_noQApp = false;
   }
+  if (!addedLibraryPath.isEmpty()) QCoreApplication::removeLibraryPath(addedLibraryPath);
+  addedLibraryPath.clear();
+  m_needFinish = m_finishesSoon = m_isFinishing = false;
 }

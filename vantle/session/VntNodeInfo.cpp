@@ -148,6 +148,14 @@ QString resourceOf(Vnt::NodeCategory category) {
       .arg(name ? QString::fromLatin1(name).toLower() : QStringLiteral("help"));
 }
 
+unsigned cleanings = 0;
+
+/// The pixmaps of a category, used in turn from one cleaning to the next.
+std::array<QPixmap*, 2>& keptPixmaps(int category) {
+  static auto& kept = *new QHash<int, std::array<QPixmap*, 2>>;
+  return kept[category];
+}
+
 /// Not destroyed at exit, when there may be no application any more.
 QHash<int, QIcon>& icons() {
   static auto& cache = *new QHash<int, QIcon>;
@@ -220,7 +228,12 @@ QPixmap** VntNodeInfo::slot(Vnt::NodeCategory category) {
 QPixmap* VntNodeInfo::pixmap(Vnt::NodeCategory category) {
   QPixmap** const cached = slot(category);
   if (!cached) return nullptr;
-  if (!*cached) *cached = new QPixmap(resourceOf(category));
+  if (!*cached) {
+    QPixmap*& kept = keptPixmaps(category)[cleanings % 2];
+    if (!kept) kept = new QPixmap;
+    *kept = QPixmap(resourceOf(category)); // the application may be another one than the last time
+    *cached = kept;
+  }
   return *cached;
 }
 
@@ -233,6 +246,7 @@ QIcon VntNodeInfo::icon(Vnt::NodeCategory category) {
 }
 
 void VntNodeInfo::clean() {
+  ++cleanings;
   icons().clear();
   for (int category = 0; category <= Vnt::Transform; category = category ? category * 2 : 1) {
     *slot(static_cast<Vnt::NodeCategory>(category)) = nullptr;

@@ -12,33 +12,34 @@ class SoNode;
 
 /// Sorts node types into categories and knows name and picture of each; the tree and plug-ins show the same.
 /// GUI thread only.
-class VANTLE_API VntNodeInfo {
+class VntNodeInfo {
  public:
-  explicit VntNodeInfo(SoNode* node);
+  VANTLE_API explicit VntNodeInfo(SoNode* node);
   SoNode* getNode() const { return m_node; }
   Vnt::NodeCategory getCategory() const { return m_category; }
   /// The cache's.
   QPixmap* getPixmap() const { return m_pixmap; }
 
   /// Never Unknown.
-  static Vnt::NodeCategory category(SoType type);
-  static Vnt::NodeCategory category(SoNode* node);
-  static QString categoryName(Vnt::NodeCategory category);
+  VANTLE_API static Vnt::NodeCategory category(SoType type);
+  VANTLE_API static Vnt::NodeCategory category(SoNode* node);
+  VANTLE_API static QString categoryName(Vnt::NodeCategory category);
   static QString categoryName(SoType type) { return categoryName(category(type)); }
   static QString categoryName(SoNode* node) { return categoryName(category(node)); }
   /// A key such as "treeview.light", no file name.
-  static QString iconPath(Vnt::NodeCategory category);
+  VANTLE_API static QString iconPath(Vnt::NodeCategory category);
   static QString iconPath(SoType type) { return iconPath(category(type)); }
   static QString iconPath(SoNode* node) { return iconPath(category(node)); }
   /// The cache's; null for values without a picture.
-  static QPixmap* pixmap(Vnt::NodeCategory category);
+  VANTLE_API static QPixmap* pixmap(Vnt::NodeCategory category);
   static QPixmap* pixmap(SoType type) { return pixmap(category(type)); }
   static QPixmap* pixmap(SoNode* node) { return pixmap(category(node)); }
   /// The same picture for every screen resolution; null for values without one.
-  static QIcon icon(Vnt::NodeCategory category);
+  VANTLE_API static QIcon icon(Vnt::NodeCategory category);
   static QIcon icon(SoNode* node) { return icon(category(node)); }
-  /// Forgets the pixmaps without destroying them: plug-ins may still hold them.
-  static void clean();
+  /// Forgets the pixmaps without destroying them: plug-ins may still hold them. The next one of a category is
+  /// another; the one after that is the first again, so that there are two at most.
+  VANTLE_API static void clean();
 
  private:
   static QPixmap** slot(Vnt::NodeCategory category);

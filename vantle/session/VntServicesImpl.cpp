@@ -4,10 +4,17 @@
 #include "kestrava/render/SoSceneManager.h"
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/frame/SoVantleMainFrame.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VntShellImpl.h"
 #include "vantle/viewer/SoVantleViewer.h"
 
-VntServicesImpl::VntServicesImpl() : m_commandManager(std::make_unique<SoCommandManager>()) {}
+VntServicesImpl::VntServicesImpl() : m_commandManager(std::make_unique<SoCommandManager>()) {
+  // Their changes are nobody's concern here: nothing is put into the delay queue for them.
+  m_nodeSensor.setPriority(0);
+  m_fieldSensor.setPriority(0);
+  m_nodeSensor.setDeleteCallback(selectedNodeDiesCB, this);
+  m_fieldSensor.setDeleteCallback(selectedFieldDiesCB, this);
+}
 
 VntServicesImpl::~VntServicesImpl() { redrawOnSelectionChange(nullptr); }
 
@@ -36,19 +43,32 @@ SoNode* VntServicesImpl::getSceneGraph() const {
 }
 
 void VntServicesImpl::setSceneGraph(SoNode* root) {
+  SoVantleImpl::Call const call;
   m_sceneGraph = root;
   SoVantleViewer::getInstance()->setScene(root, true);
   Q_EMIT sceneGraphChanged(root);
 }
 
 void VntServicesImpl::setSelectedField(SoField* field) {
-  m_selectedField = field;
+  SoVantleImpl::Call const call;
+  m_fieldSensor.attach(field);
   Q_EMIT selectedFieldChanged(field);
 }
 
+void VntServicesImpl::selectedFieldDiesCB(void* data, SoSensor*) {
+  SoVantleImpl::Call const call;
+  Q_EMIT static_cast<VntServicesImpl*>(data)->selectedFieldChanged(nullptr);
+}
+
 void VntServicesImpl::setSelectedNode(SoFieldContainer* node) {
-  m_selectedNode = node;
+  SoVantleImpl::Call const call;
+  m_nodeSensor.attach(node);
   Q_EMIT selectedNodeChanged(node);
+}
+
+void VntServicesImpl::selectedNodeDiesCB(void* data, SoSensor*) {
+  SoVantleImpl::Call const call;
+  Q_EMIT static_cast<VntServicesImpl*>(data)->selectedNodeChanged(nullptr);
 }
 
 void VntServicesImpl::redrawOnSelectionChange(SoSelection* selection) {

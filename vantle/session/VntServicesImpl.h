@@ -3,6 +3,8 @@
 #include <memory>
 
 #include "kestrava/base/SoBase.h"
+#include "kestrava/sensors/SoFieldSensor.h"
+#include "kestrava/sensors/SoNodeSensor.h"
 #include "vnt/VntServices.h"
 
 class SoCommandManager;
@@ -20,8 +22,9 @@ class VntServicesImpl : public VntServices {
 
   void execute(VntCommand* command) override;
   SoNode* getSceneGraph() const override;
-  SoField* getSelectedField() const override { return m_selectedField; }
-  SoFieldContainer* getSelectedNode() const override { return m_selectedNode; }
+  /// Null once the field has died, like the next one.
+  SoField* getSelectedField() const override { return m_fieldSensor.getAttachedField(); }
+  SoFieldContainer* getSelectedNode() const override { return m_nodeSensor.getAttachedContainer(); }
   void redo() override;
   void setSceneGraph(SoNode* root) override;
   void setSelectedField(SoField* field) override;
@@ -32,7 +35,12 @@ class VntServicesImpl : public VntServices {
   SoGuiRenderArea* getRenderArea() const override { return m_renderArea; }
 
   void setIsStandaloneApplication(int standalone) { m_standalone = standalone; }
-  void setRenderArea(SoGuiRenderArea* area) { m_renderArea = area; }
+  void setRenderArea(SoGuiRenderArea* area, bool isGiven = false) {
+    m_renderArea = area;
+    m_renderAreaGiven = isGiven;
+  }
+  /// Whether the session was started on the render area, and not on a scene manager that it shows.
+  bool isRenderAreaGiven() const { return m_renderAreaGiven; }
   void setSceneManager(SoSceneManager* manager) { m_sceneManager = manager; }
   SoCommandManager* getCommandManager() const { return m_commandManager.get(); }
 
@@ -50,13 +58,17 @@ class VntServicesImpl : public VntServices {
   VntServicesImpl();
   ~VntServicesImpl() override;
   static void selectionChangeCB(void* data, SoSelection* selection);
+  static void selectedNodeDiesCB(void* data, SoSensor* sensor);
+  static void selectedFieldDiesCB(void* data, SoSensor* sensor);
 
   std::unique_ptr<SoCommandManager> m_commandManager;
-  SoField* m_selectedField = nullptr;
-  SoFieldContainer* m_selectedNode = nullptr;
+  // They hold what is selected, without a reference.
+  SoFieldSensor m_fieldSensor;
+  SoNodeSensor m_nodeSensor;
   SoNode* m_sceneGraph = nullptr;
   SoRef<SoSelection> m_selection;
   SoGuiRenderArea* m_renderArea = nullptr;
+  bool m_renderAreaGiven = false;
   SoSceneManager* m_sceneManager = nullptr;
   int m_standalone = 0;
   bool m_selectionAllowed = true;

@@ -8,10 +8,30 @@
 
 #include "kestrava/base/SoError.h"
 #include "vantle/frame/SoVantleMainFrame.h"
+#include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/QtText.h"
 #include "vnt/VntExtension.h"
+#include "vnt/VntPluginsManager.h"
+
+namespace {
+
+/// As the framework's texts come to the screen.
+QString latin1(SbString const& text) {
+  std::string const bytes = text.toLatin1();
+  return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+QString titleOf(QWidget const* widget) {
+  return widget->windowTitle().isEmpty() ? widget->objectName() : widget->windowTitle();
+}
+
+} // namespace
 
 VntShellImpl::VntShellImpl(unsigned long long nativeWindow)
-    : m_mainFrame(std::make_unique<SoVantleMainFrame>(nativeWindow)) {}
+    : m_mainFrame(std::make_unique<SoVantleMainFrame>(nativeWindow)) {
+  connect(this, &VntShell::pluginGone, this, &VntShellImpl::pluginIsGone);
+  connect(this, &VntShell::extensionGone, this, &VntShellImpl::extensionIsGone);
+}
 
 VntShellImpl::~VntShellImpl() = default;
 
@@ -34,12 +54,57 @@ void VntShellImpl::releaseInstance() {
   m_instance = nullptr;
 }
 
+// Docks and tool bars.
+
 void VntShellImpl::registerDock(QDockWidget* dock, Qt::DockWidgetArea area) {
+  if (!dock) return;
+  nameForLayout(dock);
+  bool const isNew = enter(VntShellLedger::DOCK, dock, titleOf(dock));
   dock->setParent(m_mainFrame.get());
-  m_mainFrame->addDockWidget(area, dock);
+  // The stored layout was read before there was this dock.
+  if (!isNew || !m_mainFrame->restoreDockWidget(dock)) m_mainFrame->addDockWidget(area, dock);
+  if (!isNew) return;
+  connect(dock->toggleViewAction(), &QAction::toggled, this, [this, dock] { followDock(dock); });
+  if (dock->isHidden()) followDock(dock);
 }
 
-void VntShellImpl::unregisterDock(QDockWidget* dock) { m_mainFrame->removeDockWidget(dock); }
+void VntShellImpl::unregisterDock(QDockWidget* dock) {
+  if (!m_ledger.leave(VntShellLedger::DOCK, dock)) return;
+  disconnect(dock->toggleViewAction(), nullptr, this, nullptr);
+  m_mainFrame->removeDockWidget(dock);
+}
+
+void VntShellImpl::registerToolBar(QToolBar* bar, Qt::ToolBarArea area) {
+  if (!bar) return;
+  nameForLayout(bar);
+  bool const isNew = enter(VntShellLedger::TOOL_BAR, bar, titleOf(bar));
+  bar->setParent(m_mainFrame.get());
+  m_mainFrame->addToolBar(area, bar);
+  bar->show();
+  // For a single tool bar the window can not look the layout up; before it is shown that disturbs nobody.
+  if (isNew && !m_mainFrame->isVisible() && SoVantleViewer::isInstance()) {
+    SoVantleViewer::getInstance()->restoreLayout();
+  }
+}
+
+void VntShellImpl::unregisterToolBar(QToolBar* bar) {
+  if (m_ledger.leave(VntShellLedger::TOOL_BAR, bar)) m_mainFrame->removeToolBar(bar);
+}
+
+/// The layout is stored by object names; Qt leaves out what has none.
+void VntShellImpl::nameForLayout(QWidget* widget) const {
+  if (!widget->objectName().isEmpty()) return;
+  QString const title = widget->windowTitle().isEmpty()
+                            ? QString::fromLatin1(widget->metaObject()->className())
+                            : widget->windowTitle();
+  QString name = title;
+  for (int number = 2; m_mainFrame->findChild<QWidget*>(name); ++number) {
+    name = title + ' ' + QString::number(number);
+  }
+  widget->setObjectName(name);
+}
+
+// Menus.
 
 QList<QMenu*> VntShellImpl::getContextualMenus(SoType const& type) {
   QList<QMenu*> menus;
@@ -53,31 +118,48 @@ QList<QMenu*> VntShellImpl::getContextualMenus(SoType const& type) {
 }
 
 void VntShellImpl::registerContextualMenu(SoType const& type, bool exactTypeOnly, QMenu* menu) {
+  if (!menu) return;
+  enter(VntShellLedger::CONTEXT_MENU, menu, menu->title());
   (exactTypeOnly ? m_exactMenus : m_derivedMenus).emplace(std::make_unique<SoType>(type), menu);
 }
 
 void VntShellImpl::unregisterContextualMenu(QMenu* menu) {
+  m_ledger.leave(VntShellLedger::CONTEXT_MENU, menu);
   auto const isThis = [menu](auto const& entry) { return entry.second == menu; };
   std::erase_if(m_derivedMenus, isThis);
   std::erase_if(m_exactMenus, isThis);
 }
 
-void VntShellImpl::registerMenu(QMenu* menu) { m_mainFrame->addMenu(menu); }
-void VntShellImpl::unregisterMenu(QMenu* menu) { m_mainFrame->removeMenu(menu); }
+void VntShellImpl::registerMenu(QMenu* menu) {
+  if (menu && enter(VntShellLedger::MENU, menu, menu->title())) m_mainFrame->addMenu(menu);
+}
+
+void VntShellImpl::unregisterMenu(QMenu* menu) {
+  if (m_ledger.leave(VntShellLedger::MENU, menu)) m_mainFrame->removeMenu(menu);
+}
 
 void VntShellImpl::registerViewMenu(VntExtension* extension, int checked) {
-  std::string const text = extension->getInfo().toLatin1();
-  auto* action = new QAction(QString::fromLatin1(text.data(), text.size()), m_mainFrame.get());
+  if (!extension) return;
+  auto* action = new QAction(latin1(extension->getInfo()), m_mainFrame.get());
   action->setCheckable(true);
   action->setChecked(checked != 0);
   connect(action, &QAction::toggled, this, &VntShellImpl::s_viewChanged);
   m_mainFrame->getViewMenu()->addAction(action);
   m_viewActions[action] = extension;
+  enter(VntShellLedger::VIEW_ENTRY, action, action->text(), extension);
+  // The stored layout may have closed the dock, which the extension need not know.
+  auto* const dock = static_cast<QDockWidget*>(m_ledger.dockOf(extension));
+  if (dock && dock->isHidden() && !m_mainFrame->isVisible()) followDock(dock);
 }
 
 void VntShellImpl::unregisterViewMenu(VntExtension* extension) {
   QAction* const action = m_viewActions.key(extension, nullptr);
   if (!action) return;
+  m_ledger.leave(VntShellLedger::VIEW_ENTRY, action);
+  removeViewAction(action);
+}
+
+void VntShellImpl::removeViewAction(QAction* action) {
   m_viewActions.remove(action);
   disconnect(action, &QAction::toggled, this, &VntShellImpl::s_viewChanged);
   m_mainFrame->getViewMenu()->removeAction(action);
@@ -85,27 +167,45 @@ void VntShellImpl::unregisterViewMenu(VntExtension* extension) {
 }
 
 void VntShellImpl::s_viewChanged(bool on) {
+  if (m_following) return;
   VntExtension* const extension = m_viewActions[qobject_cast<QAction*>(sender())];
   if (!extension) return;
   if (on)
-    extension->show();
+    VntPluginsManager::call(extension, "show()", [extension] { extension->show(); });
   else
-    extension->hide();
+    VntPluginsManager::call(extension, "hide()", [extension] { extension->hide(); });
 }
+
+void VntShellImpl::followDock(QDockWidget* dock) {
+  VntExtension* const extension = m_ledger.extensionOf(dock);
+  QAction* const action = m_viewActions.key(extension, nullptr);
+  if (!extension || !action || m_ledger.dockOf(extension) != dock) return;
+  bool const before = std::exchange(m_following, true);
+  action->setChecked(!dock->isHidden());
+  m_following = before;
+}
+
+// Preference pages.
 
 void VntShellImpl::registerPreferencePanel(VntExtension* extension, QWidget* page, char const* initSlot,
                                            char const* setSlot) {
-  if (!m_preferencePanels.contains(extension))
-    m_preferencePanels.insert(extension, {page, initSlot, setSlot});
+  if (!extension || !page || m_preferencePanels.contains(extension)) return;
+  enter(VntShellLedger::PREFERENCE_PAGE, page, latin1(extension->getInfo()), extension);
+  m_preferencePanels.insert(extension, {page, initSlot, setSlot});
 }
 
 void VntShellImpl::unregisterPreferencePanel(VntExtension* extension) {
+  m_ledger.leave(VntShellLedger::PREFERENCE_PAGE, m_preferencePanels.value(extension).page);
   m_preferencePanels.remove(extension);
 }
+
+// Status bar.
 
 void VntShellImpl::clearStatusBarMessage() { m_mainFrame->statusBar()->clearMessage(); }
 
 void VntShellImpl::regiterStatusBarWidget(QWidget* widget, int permanent, int stretch) {
+  if (!widget) return;
+  enter(VntShellLedger::STATUS_WIDGET, widget, titleOf(widget));
   QStatusBar* const bar = m_mainFrame->statusBar();
   widget->setParent(bar);
   if (permanent)
@@ -116,17 +216,69 @@ void VntShellImpl::regiterStatusBarWidget(QWidget* widget, int permanent, int st
 }
 
 void VntShellImpl::showStatusBarMessage(SbString const& text, int timeout) {
-  m_mainFrame->statusBar()->showMessage(QString::fromLatin1(text.c_str(), text.getLength()), timeout);
+  m_mainFrame->statusBar()->showMessage(latin1(text), timeout);
 }
 
 void VntShellImpl::unregiterStatusBarWidget(QWidget* widget) {
-  m_mainFrame->statusBar()->removeWidget(widget);
+  if (m_ledger.leave(VntShellLedger::STATUS_WIDGET, widget)) m_mainFrame->statusBar()->removeWidget(widget);
 }
 
-void VntShellImpl::registerToolBar(QToolBar* bar, Qt::ToolBarArea area) {
-  bar->setParent(m_mainFrame.get());
-  m_mainFrame->addToolBar(area, bar);
-  bar->show();
+// What plug-ins leave behind.
+
+bool VntShellImpl::enter(VntShellLedger::Kind kind, QObject* object, QString const& title,
+                         VntExtension* extension) {
+  connect(object, &QObject::destroyed, this, &VntShellImpl::forget, Qt::UniqueConnection);
+  return m_ledger.enter(kind, object, title, extension);
 }
 
-void VntShellImpl::unregisterToolBar(QToolBar* bar) { m_mainFrame->removeToolBar(bar); }
+void VntShellImpl::forget(QObject* object) {
+  m_ledger.objectDies(object);
+  // By now it is a QObject and nothing more; Qt's own lists have let it go.
+  auto const isThis = [object](auto const& entry) { return static_cast<QObject*>(entry.second) == object; };
+  std::erase_if(m_derivedMenus, isThis);
+  std::erase_if(m_exactMenus, isThis);
+  m_preferencePanels.removeIf([object](auto entry) { return static_cast<QObject*>(entry->page) == object; });
+  m_viewActions.removeIf([object](auto entry) { return static_cast<QObject*>(entry.key()) == object; });
+}
+
+void VntShellImpl::takeOut(VntShellLedger::Entry const& entry) {
+  if (!entry.object) return;
+  // A widget of the window stays its child and goes with it.
+  switch (entry.kind) {
+    case VntShellLedger::DOCK: {
+      auto* const dock = static_cast<QDockWidget*>(entry.object);
+      disconnect(dock->toggleViewAction(), nullptr, this, nullptr);
+      return m_mainFrame->removeDockWidget(dock);
+    }
+    case VntShellLedger::TOOL_BAR:
+      return m_mainFrame->removeToolBar(static_cast<QToolBar*>(entry.object));
+    case VntShellLedger::MENU:
+      return m_mainFrame->removeMenu(static_cast<QMenu*>(entry.object));
+    case VntShellLedger::CONTEXT_MENU:
+      return unregisterContextualMenu(static_cast<QMenu*>(entry.object));
+    case VntShellLedger::VIEW_ENTRY:
+      return removeViewAction(static_cast<QAction*>(entry.object));
+    case VntShellLedger::PREFERENCE_PAGE:
+      m_preferencePanels.removeIf([&](auto panel) { return panel->page == entry.object; });
+      return;
+    case VntShellLedger::STATUS_WIDGET:
+      return m_mainFrame->statusBar()->removeWidget(static_cast<QWidget*>(entry.object));
+  }
+}
+
+void VntShellImpl::extensionIsGone(VntExtension* extension, bool destroyed) {
+  for (VntShellLedger::Entry const& entry : m_ledger.takeOf(extension, destroyed)) takeOut(entry);
+}
+
+void VntShellImpl::pluginIsGone(SbString const& plugin) {
+  QStringList left;
+  for (VntShellLedger::Entry const& entry : m_ledger.takeOf(plugin)) {
+    takeOut(entry);
+    // Where nobody knows whose an object was, its end is as good as an unregistration.
+    if (entry.object || !plugin.empty()) left << VntShellLedger::describe(entry);
+  }
+  if (left.isEmpty()) return;
+  QString const who = plugin.empty() ? tr("a plug-in") : tr("plug-in \"%1\"").arg(toQString(plugin));
+  SoDebugError::post("VntShell", "%s",
+                     qPrintable(tr("%1 has gone without unregistering %2").arg(who, left.join(", "))));
+}

@@ -1,16 +1,17 @@
 #pragma once
 
-#include <QHash>
 #include <QMap>
 #include <map>
 #include <memory>
 
+#include "vantle/session/VntShellLedger.h"
 #include "vnt/VntShell.h"
 
 class QAction;
 class SoVantleMainFrame;
 
-/// The inspector's side of VntShell; holds the main frame.
+/// The inspector's side of VntShell; holds the main frame. What it holds for plug-ins goes when the object is
+/// destroyed, when its extension is, and at last when the plug-in is.
 class VntShellImpl : public VntShell {
   Q_OBJECT
  public:
@@ -58,10 +59,24 @@ class VntShellImpl : public VntShell {
   explicit VntShellImpl(unsigned long long nativeWindow);
   ~VntShellImpl() override;
 
+  /// Also makes sure that the shell forgets the object when it is destroyed.
+  bool enter(VntShellLedger::Kind kind, QObject* object, QString const& title,
+             VntExtension* extension = nullptr);
+  void forget(QObject* object);
+  void takeOut(VntShellLedger::Entry const& entry);
+  void pluginIsGone(SbString const& plugin);
+  void extensionIsGone(VntExtension* extension, bool destroyed);
+  /// Gives the entry of the view menu the state of the dock that it stands for.
+  void followDock(QDockWidget* dock);
+  void removeViewAction(QAction* action);
+  void nameForLayout(QWidget* widget) const;
+
   // Every registration has a copy of its type, so that one type can have several menus.
   using MenuMap = std::multimap<std::unique_ptr<SoType>, QMenu*>;
 
+  VntShellLedger m_ledger;
   QMap<QAction*, VntExtension*> m_viewActions;
+  bool m_following = false; // a dock changes its entry, not the user
   MenuMap m_derivedMenus;
   MenuMap m_exactMenus;
   QMap<VntExtension*, preferencePanel> m_preferencePanels;

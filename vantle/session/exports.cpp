@@ -6,6 +6,10 @@
 
 extern "C" {
 
+/// The version of the toolkit that this is built for; the loader compares it before it calls anything.
+extern VANTLE_API char const _toolkitVersion[];
+char const _toolkitVersion[] = VANTLE_TOOLKIT_VERSION;
+
 VANTLE_API void _startNode(SoNode* root, void* window) { SoVantleImpl::start(root, window); }
 VANTLE_API void _startSceneManager(SoSceneManager* manager, void* window) {
   SoVantleImpl::start(manager, window);

@@ -4,12 +4,14 @@
 #include <QDialog>
 #include <QMessageBox>
 #include <QTextEdit>
+#include <QThread>
 #include <QVBoxLayout>
 #include <cstdio>
 #include <cstdlib>
 
 #include "kestrava/base/SoErrorStack.h"
 #include "vnt/QtText.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VantleMessageBox.h"
 
 namespace {
@@ -28,18 +30,9 @@ void showReport(QString const& report) {
   dialog.exec();
 }
 
-} // namespace
-
-void vantleSignalHandler(SoError const* error, void*) {
-  bool const hasStack = error && error->isOfType(SoErrorStack::getClassTypeId());
-  QString report = tr("------- No callstack information -------");
-  if (hasStack) {
-    report = QString::fromStdU16String(static_cast<SoErrorStack const*>(error)->getStack().toUtf16());
-  }
-  if (VantleMessageBox::isUnattended()) {
-    std::fprintf(stderr, "%s\n%s\n", error ? error->getDebugString().c_str() : "", qPrintable(report));
-    std::exit(1);
-  }
+void ask(QString const& report) {
+  // Whatever is done while the boxes are open, what called the handler is on the stack.
+  SoVantleImpl::Call const call;
   auto const answer = QMessageBox::critical(
       nullptr, tr("Critical error"),
       tr("The application produced a critical error, click the ignore button to debug the application, ok to "
@@ -47,4 +40,24 @@ void vantleSignalHandler(SoError const* error, void*) {
       QMessageBox::Ok | QMessageBox::Ignore | QMessageBox::Help, QMessageBox::Ok);
   if (answer == QMessageBox::Help) showReport(report);
   if (answer == QMessageBox::Ok || answer == QMessageBox::Help) std::exit(1);
+}
+
+} // namespace
+
+void vantleSignalHandler(SoError const* error, void*) {
+  QString report = tr("------- No callstack information -------");
+  if (error && error->isOfType(SoErrorStack::getClassTypeId())) {
+    report = QString::fromStdU16String(static_cast<SoErrorStack const*>(error)->getStack().toUtf16());
+  }
+  if (VantleMessageBox::isUnattended()) {
+    std::fprintf(stderr, "%s\n%s\n", error ? error->getDebugString().c_str() : "", qPrintable(report));
+    std::exit(1);
+  }
+  QCoreApplication* const application = QCoreApplication::instance();
+  if (!application) return;
+  // Errors come on the thread that made them; boxes are for the GUI thread, which may be waiting for that one.
+  if (QThread::currentThread() == application->thread())
+    ask(report);
+  else
+    QMetaObject::invokeMethod(application, [report] { ask(report); }, Qt::QueuedConnection);
 }

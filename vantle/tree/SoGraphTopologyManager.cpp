@@ -13,6 +13,16 @@
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
 
+namespace {
+
+/// False: the field's values are no rows.
+bool holdsNodes(SoField const* field) {
+  return field->isOfType(SoSFNode::getClassTypeId()) || field->isOfType(SoMFNode::getClassTypeId()) ||
+         field->isOfType(SoMFUniformShaderParameter::getClassTypeId());
+}
+
+} // namespace
+
 SoGraphTopologyManager::SoGraphTopologyManager(SoVantleTreeView* view)
     : m_timer(new QTimer(this)),
       m_sensor(graphTopologyChangedCB, this),
@@ -39,6 +49,9 @@ void SoGraphTopologyManager::graphTopologyChangedCB(void* data, SoSensor* sensor
   if (!data || !sensor) return;
   auto* const manager = static_cast<SoGraphTopologyManager*>(data);
   auto* const trigger = static_cast<SoNodeSensor*>(sensor);
+  // By far the most changes, thousands in a frame of a host: nothing may be done for them.
+  SoField const* const changed = trigger->getTriggerField();
+  if (trigger->getTriggerType() == SoNotification::UNSPECIFIED && changed && !holdsNodes(changed)) return;
   // The handlers may set off further changes, which use the same sensor.
   SoRef<SoPath> const path(trigger->getTriggerPath());
   SoNode* const node = trigger->getTriggerNode();
@@ -166,11 +179,7 @@ void SoGraphTopologyManager::unspecified(SoNode* node, SoField* field, SoPath* p
     if (!field) updateExternalSceneTopology(node);
     return;
   }
-  // The values of other fields are no rows.
-  bool const holdsNodes = !field || field->isOfType(SoSFNode::getClassTypeId()) ||
-                          field->isOfType(SoMFNode::getClassTypeId()) ||
-                          field->isOfType(SoMFUniformShaderParameter::getClassTypeId());
-  if (!holdsNodes || node->isOfType(SoGroup::getClassTypeId())) return;
+  if (node->isOfType(SoGroup::getClassTypeId())) return;
   if (!insertMissing(node, path)) redrawItemChildrens(node);
   if (!node->isOfType(SoBaseKit::getClassTypeId())) return;
   // A kit arranges its parts below each other without a word of its own about each.

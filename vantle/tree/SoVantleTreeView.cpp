@@ -1,6 +1,7 @@
 #include "vantle/tree/SoVantleTreeView.h"
 
 #include <QHeaderView>
+#include <QMenu>
 
 #include "kestrava/base/SoPath.h"
 #include "kestrava/nodes/SoSelection.h"
@@ -68,6 +69,9 @@ SoVantleTreeView::SoVantleTreeView(QWidget* parent, char const* name)
 
   connect(this, &QTreeWidget::currentItemChanged, this, &SoVantleTreeView::selectChange);
   connect(this, &QTreeWidget::itemClicked, this, &SoVantleTreeView::onItemClicked);
+  m_contextMenu = new QMenu(this);
+  setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(this, &QTreeWidget::customContextMenuRequested, this, &SoVantleTreeView::onCustomContextMenu);
   connect(this, &QTreeView::expanded, this, &SoVantleTreeView::applyFilter);
   connect(this, &QTreeWidget::itemExpanded, this, &SoVantleTreeView::resizeAllColumns);
   connect(this, &QTreeWidget::itemCollapsed, this, &SoVantleTreeView::resizeAllColumns);

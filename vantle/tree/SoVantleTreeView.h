@@ -141,6 +141,7 @@ class SoVantleTreeView : public QTreeWidget {
   void initTree(SoNode* root);
   void selectChange(QTreeWidgetItem* current, QTreeWidgetItem* previous);
   void onItemClicked(QTreeWidgetItem* item, int column);
+  void onCustomContextMenu(QPoint const& pos);
   void resizeAllColumns();
 
  Q_SIGNALS:
@@ -185,6 +186,7 @@ class SoVantleTreeView : public QTreeWidget {
   void applyFilter(QModelIndex const& parent);
   void stepAround(SoTreeViewItem*& item, bool backwards) const;
   void openReferencePage(SoTreeViewItem* item);
+  void buildContextMenu(SoTreeViewItem* item);
 
   bool m_showRefCount = true;
   bool m_showName = true;
@@ -205,6 +207,7 @@ class SoVantleTreeView : public QTreeWidget {
   bool m_anyFiltered = false; // the filter wants some category hidden
   bool m_everHidden = false;  // it has hidden rows of this tree
   int m_filter = Vnt::ALL_NODE_CATEGORIES;
+  QMenu* m_contextMenu; // for the current row; so far it holds what plug-ins offer
   Qt::MouseButton m_lastButton = Qt::NoButton;
   QPoint m_lastReleasePos; // on the screen
 };

@@ -1,5 +1,7 @@
+#include <QCursor>
 #include <QDesktopServices>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QUrl>
 
@@ -11,6 +13,7 @@
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
+#include "vnt/VntShell.h"
 
 // Mouse, keys and focus.
 
@@ -30,6 +33,25 @@ void SoVantleTreeView::onItemClicked(QTreeWidgetItem* clicked, int column) {
   if (!item) return;
   if (VntServicesImpl::isInstance()) VntServicesImpl::getImplInstance()->setSelectedNode(item->getNode());
   if (column == BOOKMARK_COLUMN && m_lastButton == Qt::LeftButton) item->setBookmarked(!item->isBookmarked());
+}
+
+void SoVantleTreeView::onCustomContextMenu(QPoint const&) {
+  SoTreeViewItem* const item = currentItem();
+  if (!item || !(item->flags() & Qt::ItemIsEnabled)) return;
+  // The menus of plug-ins are about the selected node.
+  VntServices* const services = VntServices::getInstance();
+  if (services && services->getSelectedNode() != item->getNode()) services->setSelectedNode(item->getNode());
+  buildContextMenu(item);
+  if (!m_contextMenu->isEmpty()) m_contextMenu->exec(QCursor::pos());
+}
+
+/// The menus stay those of the plug-ins, which may take them away while this one is open.
+void SoVantleTreeView::buildContextMenu(SoTreeViewItem* item) {
+  m_contextMenu->clear();
+  if (!VntShell::getInstance()) return;
+  for (QMenu* menu : VntShell::getInstance()->getContextualMenus(item->getNode()->getTypeId())) {
+    m_contextMenu->addMenu(menu);
+  }
 }
 
 void SoVantleTreeView::mouseReleaseEvent(QMouseEvent* event) {

@@ -15,6 +15,7 @@
 #include "vantle/inspect/SoVantleEdition.h"
 #include "vantle/prefs/SoVantleConfig.h"
 #include "vantle/prefs/TreeViewConfig.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VantleMessageBox.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/session/VntShellImpl.h"
@@ -26,6 +27,9 @@ namespace {
 
 constexpr char SETTINGS[] = "/VantleViewer/VantleMainFrame";
 constexpr int NO_SIZE = 32767; // stored for a window that was maximised
+constexpr int HOST_INTERVAL = 200; // milliseconds
+/// References to the scene that are the inspector's: the viewer's and the selection node's.
+constexpr int OWN_REFERENCES = 2;
 
 QString key(char const* name) { return QLatin1String(SETTINGS) + QLatin1String(name); }
 QString fileKey(int number) { return key("/File") + QString::number(number); }
@@ -36,6 +40,10 @@ bool isOnScreen(QRect const& window) {
     if (visible.width() >= 100 && visible.height() >= 50) return true;
   }
   return false;
+}
+
+QByteArray storedLayout() {
+  return QByteArray::fromBase64(SoVantleConfig::readEntry(key("/MainWindowLayout")).toLatin1());
 }
 
 bool isHostLaunched() {
@@ -72,6 +80,7 @@ SoVantleViewer::SoVantleViewer() {
     services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
   }
   SoSceneManager* const manager = services->getSceneManager();
+  connect(&m_hostTimer, &QTimer::timeout, this, &SoVantleViewer::lookAfterHost);
   if (manager && !services->isStandaloneApplication()) attachToHost(manager);
 
   m_treeView = new SoVantleTreeView(frame);
@@ -149,11 +158,42 @@ void SoVantleViewer::attachToHost(SoSceneManager* manager) {
 }
 
 /// A host may take its scene manager down while the inspector runs on.
-void SoVantleViewer::hostIsGone(void*, SoSensor*) {
-  if (!VntServicesImpl::isInstance()) return;
-  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
-  services->setRenderArea(nullptr);
-  services->setSceneManager(nullptr);
+void SoVantleViewer::hostIsGone(void* viewer, SoSensor*) {
+  if (VntServicesImpl::isInstance()) VntServicesImpl::getImplInstance()->setSceneManager(nullptr);
+  areaIsGone(viewer, nullptr);
+}
+
+void SoVantleViewer::areaIsGone(void* data, SoSensor*) {
+  auto* const viewer = static_cast<SoVantleViewer*>(data);
+  VntServicesImpl* const services =
+      VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance() : nullptr;
+  if (services) services->setRenderArea(nullptr);
+  // The view that was found for a scene manager is not what the session was started on.
+  bool const isViewOnly = services && services->getSceneManager() && !services->isRenderAreaGiven();
+  if (isViewOnly || !viewer->m_isHostsScene) return;
+  viewer->m_hostIsGone = true;
+  viewer->lookAfterHost();
+}
+
+void SoVantleViewer::followHost() {
+  m_isHostsScene = m_scene;
+  m_wasShared = false;
+  m_areaSensor.setPriority(0);
+  m_areaSensor.setDeleteCallback(areaIsGone, this);
+  m_areaSensor.attach(VntServicesImpl::getImplInstance()->getRenderArea());
+  if (!m_isHostsScene) return;
+  m_hostTimer.start(HOST_INTERVAL);
+  lookAfterHost();
+}
+
+/// Letting go of a node makes no noise: its references are looked at now and then.
+void SoVantleViewer::lookAfterHost() {
+  if (!m_isHostsScene) return m_hostTimer.stop();
+  bool const isShared = m_scene->getRefCount() > OWN_REFERENCES;
+  bool const isLetGo = m_wasShared && !isShared;
+  m_wasShared = m_wasShared || isShared;
+  // The rows may be in use: the timer comes again.
+  if ((isLetGo || m_hostIsGone) && !SoVantleImpl::isOnStack()) setScene(nullptr, true);
 }
 
 void SoVantleViewer::makeExaminer() {
@@ -178,6 +218,7 @@ void SoVantleViewer::setScene(SoNode* root, bool clear) {
   m_selection->deselectAll();
   m_selection->removeAllChildren();
   m_scene = next;
+  m_isHostsScene = m_hostIsGone = false;
   // The tree follows by itself what stands below the selection node.
   if (root) m_selection->addChild(root);
   m_treeView->setScene(root);
@@ -218,8 +259,7 @@ void SoVantleViewer::initViewer() {
                    SoVantleConfig::readNumEntry(key("/WindowHeight"), NO_SIZE));
   QPoint const position(SoVantleConfig::readNumEntry(key("/WindowX"), 0),
                         SoVantleConfig::readNumEntry(key("/WindowY"), 0));
-  QByteArray const layout =
-      QByteArray::fromBase64(SoVantleConfig::readEntry(key("/MainWindowLayout")).toLatin1());
+  QByteArray const layout = storedLayout();
   bool const hasSize = size.width() != NO_SIZE && size.height() != NO_SIZE;
   // The screen that the window stood on may be gone.
   if (isOnScreen(QRect(position, hasSize ? size : QSize(800, 600)))) frame->move(position);
@@ -227,8 +267,12 @@ void SoVantleViewer::initViewer() {
     frame->resize(size);
   else
     frame->setWindowState(frame->windowState() | Qt::WindowMaximized);
-  // What the stored layout says about bars and docks that do not exist is passed over.
-  frame->setDefaultLayout(layout.isEmpty() || !frame->restoreState(layout));
+  frame->setDefaultLayout(!restoreLayout());
+}
+
+bool SoVantleViewer::restoreLayout() {
+  QByteArray const layout = VantleMessageBox::isUnattended() ? QByteArray() : storedLayout();
+  return !layout.isEmpty() && mainFrame()->restoreState(layout);
 }
 
 void SoVantleViewer::saveMainFrameSettings() {

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <memory>
 
 #include "kestrava/base/SbForward.h"
@@ -37,11 +38,17 @@ class SoVantleViewer : public QObject {
 
   /// Reads the stored window settings and recent files.
   void initViewer();
+  /// Puts docks and tool bars to their stored places. What the layout says about those that do not exist is
+  /// passed over, so it is to be called again when there are new ones. False when no layout is stored.
+  bool restoreLayout();
   void saveMainFrameSettings();
 
   /// Null: no scene. `clear`: the undo history too.
   void setScene(SoNode* root, bool clear);
   SoNode* getScene() const { return m_scene; }
+  /// The scene is the host's: when the host has let go of it, so that only the inspector keeps it alive, and when
+  /// its scene manager is gone, or the render area that the session was started on, there is no scene any more.
+  void followHost();
   /// The inspector's own selection node; the scene stands below it.
   SoSelection* getSelection() const { return m_selection; }
   SoVantleTreeView* getTreeView() const { return m_treeView; }
@@ -89,6 +96,8 @@ class SoVantleViewer : public QObject {
   void chooseHighlight();
   void attachToHost(SoSceneManager* manager);
   static void hostIsGone(void* data, SoSensor* sensor);
+  static void areaIsGone(void* data, SoSensor* sensor);
+  void lookAfterHost();
   void setFileName(QString const& name);
   void leaveSceneFolder();
   QString saveQuestion() const;
@@ -106,6 +115,11 @@ class SoVantleViewer : public QObject {
   int m_mode = 0;
   bool m_highlightOff = false;
   SoNodeSensor m_hostSensor; // on the host's scene manager, whose picture shows the highlight
+  SoNodeSensor m_areaSensor; // on the host's render area
+  QTimer m_hostTimer;
+  bool m_isHostsScene = false; // and has not been replaced
+  bool m_wasShared = false;    // others have held the host's scene, too
+  bool m_hostIsGone = false;
   std::unique_ptr<SoHighlightRenderAction> m_highlight;  // outlives the examiner, which draws with it
   std::unique_ptr<SoQtExaminerViewer> m_examiner;
   SoVantleTreeView* m_treeView = nullptr; // its dock's, or the main frame's

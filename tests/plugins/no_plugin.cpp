@@ -1,0 +1,3 @@
+// A library that is no plug-in.
+
+#include "tests/plugins/ran.h"

@@ -1,0 +1,361 @@
+// Sessions over and over, and programs that end in the middle of one. Each in a process of its own: a Qt
+// application that the session makes can be had there only.
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QLocale>
+#include <QMenu>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <clocale>
+#include <cstdio>
+#include <fstream>
+
+#include "kestrava/base/SoError.h"
+#include "kestrava/base/SoPreferences.h"
+#include "kestrava/nodes/SoCube.h"
+#include "kestrava/nodes/SoSeparator.h"
+#include "kestrava/nodes/SoWWWInline.h"
+#include "kestrava/render/SoGuiRenderArea.h"
+#include "tests/vantle/SessionChild.h"
+#include "vantle/frame/SoVantleMainFrame.h"
+#include "vantle/session/SoVantleImpl.h"
+#include "vantle/session/VntServicesImpl.h"
+#include "vantle/session/VntShellImpl.h"
+#include "vantle/tree/SoVantleTreeView.h"
+#include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/VntServices.h"
+
+namespace {
+
+int argumentCount = 1;
+char programName[] = "host";
+char* arguments[] = {programName, nullptr};
+
+SoSeparator* makeScene() {
+  auto* const root = new SoSeparator;
+  root->ref();
+  for (int i = 0; i < 10; ++i) root->addChild(new SoCube);
+  return root;
+}
+
+bool nothingIsLeft() {
+  return !SoVantleImpl::isRunning() && !VntServicesImpl::isInstance() && !VntShellImpl::isInstance() &&
+         !SoVantleViewer::isInstance();
+}
+
+SoVantleMainFrame* frame() { return VntShellImpl::getImplInstance()->getMainFrame(); }
+
+/// A host's turns, until the window is there.
+bool showsWindow() {
+  for (int i = 0; i < 1000; ++i) {
+    if (!SoVantleImpl::processEvents()) return false;
+    QCoreApplication::processEvents(); // a host with Qt does that itself
+    if (frame()->windowHandle() && frame()->windowHandle()->isExposed()) return true;
+    QTest::qSleep(5);
+  }
+  return false;
+}
+
+// Everything that a host finds changed, or not, after a session.
+struct Surroundings {
+  QLocale locale;
+  std::string cLocale = std::setlocale(LC_ALL, nullptr);
+  QStringList libraryPaths = QCoreApplication::libraryPaths();
+  QCoreApplication* application = QCoreApplication::instance();
+  std::vector<std::pair<SoErrorCB*, void*>> handlers{
+      {SoError::getHandlerCallback(), SoError::getHandlerData()},
+      {SoDebugError::getHandlerCallback(), SoDebugError::getHandlerData()},
+      {SoReadError::getHandlerCallback(), SoReadError::getHandlerData()},
+      {SoErrorStack::getHandlerCallback(), SoErrorStack::getHandlerData()}};
+  SoWWWInlineFetchURLCB* fetch = SoWWWInline::getFetchURLCallBack();
+  void* fetchData = SoWWWInline::getFetchURLData();
+  std::optional<SbString> stackError = SoPreferences::getSetValue("KSV_DEBUG_STACKERROR");
+  std::optional<SbString> stackFormat = SoPreferences::getSetValue("KSV_STACKWALKER_HTML_OUTPUT");
+
+  bool operator==(Surroundings const&) const = default;
+};
+
+void hostsErrorHandler(SoError const*, void*) {}
+void hostsFetch(SbString const&, void*, SoWWWInline*) {}
+
+/// Starts in one of the four ways.
+void startSomehow(int way, SoNode* root, SoGuiRenderArea* area) {
+  if (way % 4 == 0) SoVantleImpl::start(root, nullptr);
+  if (way % 4 == 1) SoVantleImpl::start(area->getSceneManager(), nullptr);
+  if (way % 4 == 2) SoVantleImpl::start(area);
+  if (way % 4 == 3) SoVantleImpl::startStandalone(argumentCount, arguments);
+}
+
+int leaveAllAsItWas() {
+  std::setlocale(LC_ALL, "C"); // of the host; the environment says another one
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+  int mark;
+  SoErrorStack::setHandlerCallback(hostsErrorHandler, &mark);
+  SoWWWInline::setFetchURLCallBack(hostsFetch, &mark);
+  SoPreferences::setValue("KSV_STACKWALKER_HTML_OUTPUT", "host's");
+  SoNode* const root = makeScene();
+  SoRef<SoGuiRenderArea> const area(new SoGuiRenderArea);
+  area->getSceneManager()->setSceneGraph(root);
+  QCoreApplication::libraryPaths(); // Qt makes them when first asked
+  for (int way = 0; way < 8; ++way) {
+    Surroundings const before;
+    startSomehow(way, root, area);
+    CHILD_EXPECT(SoVantleImpl::isRunning());
+    CHILD_EXPECT(showsWindow());
+    CHILD_EXPECT(QLocale().decimalPoint() == ".");
+    CHILD_EXPECT(before.cLocale == std::setlocale(LC_ALL, nullptr));
+    CHILD_EXPECT(SoErrorStack::getHandlerCallback() != hostsErrorHandler);
+    CHILD_EXPECT(SoPreferences::getString("KSV_DEBUG_STACKERROR") == SbString("1"));
+    SoVantleImpl::stop(true);
+    CHILD_EXPECT(nothingIsLeft());
+    Surroundings const after;
+    CHILD_EXPECT(after.application == before.application);
+    CHILD_EXPECT(after.libraryPaths == before.libraryPaths);
+    CHILD_EXPECT(after.locale == before.locale);
+    CHILD_EXPECT(after == before);
+    CHILD_EXPECT(root->getRefCount() == 2 && root->getAuditors().getLength() == 1);
+  }
+  area->getSceneManager()->setSceneGraph(nullptr);
+  root->unref();
+  return 0;
+}
+
+int leaveAllAsItWasInQtHost() {
+  QApplication application(argumentCount, arguments);
+  return leaveAllAsItWas();
+}
+
+SessionChild const surroundings("surroundings", leaveAllAsItWas);
+SessionChild const surroundingsInQtHost("surroundings in a Qt host", leaveAllAsItWasInQtHost);
+
+TEST(SessionSurroundings, AreAsBeforeAfterAStop) {
+  EXPECT_EQ(surroundings.run(), "");
+  EXPECT_EQ(surroundingsInQtHost.run(), "");
+}
+
+// Over and over.
+
+int countEntries(char const* folder) {
+  DIR* const listing = opendir(folder);
+  int count = 0;
+  while (readdir(listing)) ++count;
+  closedir(listing);
+  return count;
+}
+
+long residentKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
+  }
+  return 0;
+}
+
+struct Usage {
+  int handles = countEntries("/proc/self/fd");
+  int threads = countEntries("/proc/self/task");
+  qsizetype widgets = QApplication::allWidgets().size();
+  qsizetype objects = QCoreApplication::instance() ? QCoreApplication::instance()->children().size() : 0;
+  int types = SoType::getNumTypes();
+  bool operator==(Usage const&) const = default;
+  std::string text() const {
+    return std::to_string(handles) + " handles, " + std::to_string(threads) + " threads, " +
+           std::to_string(widgets) + " widgets, " + std::to_string(objects) + " objects, " +
+           std::to_string(types) + " types";
+  }
+};
+
+/// Rounds that a sanitizer, which keeps what is freed, has the patience for.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int ROUNDS = 40, WARM_UP = 20;
+#else
+constexpr int ROUNDS = 1000, WARM_UP = 200;
+#endif
+
+int doOverAndOver(int rounds, long mostKilobytes) {
+  SoNode* const root = makeScene();
+  SoRef<SoGuiRenderArea> const area(new SoGuiRenderArea);
+  area->getSceneManager()->setSceneGraph(root);
+  int const references = root->getRefCount(), auditors = root->getAuditors().getLength();
+  Usage before;
+  long kilobytes = 0;
+  for (int round = 0; round < rounds; ++round) {
+    startSomehow(round, root, area);
+    CHILD_EXPECT(SoVantleImpl::isRunning());
+    CHILD_EXPECT(SoVantleImpl::processEvents());
+    if (round % 10 == 0) CHILD_EXPECT(showsWindow());
+    if (round % 2) SoVantleViewer::getInstance()->getTreeView()->expandAll(nullptr);
+    if (round % 3 == 0) {
+      SoVantleImpl::stop(false);
+      CHILD_EXPECT(!SoVantleImpl::processEvents());
+    } else {
+      SoVantleImpl::stop(true);
+    }
+    CHILD_EXPECT(nothingIsLeft());
+    CHILD_EXPECT(root->getRefCount() == references && root->getAuditors().getLength() == auditors);
+    // In a host's application Qt deletes later what the host's event loop gets to.
+    if (QCoreApplication::instance()) {
+      QCoreApplication::processEvents();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    if (round == rounds / 5) {
+      before = Usage();
+      kilobytes = residentKilobytes();
+    }
+  }
+  Usage const after;
+  long const grown = residentKilobytes() - kilobytes;
+  std::fprintf(stderr, "%s; then %s; grown by %ld KiB\n", before.text().c_str(), after.text().c_str(), grown);
+  CHILD_EXPECT(after == before);
+#ifndef __SANITIZE_ADDRESS__
+  CHILD_EXPECT(grown < mostKilobytes);
+#endif
+  (void)mostKilobytes;
+  area->getSceneManager()->setSceneGraph(nullptr);
+  root->unref();
+  return 0;
+}
+
+SessionChild const oftenInQtHost("often in a Qt host", [] {
+  QApplication application(argumentCount, arguments);
+  return doOverAndOver(ROUNDS, 1 << 20);
+});
+SessionChild const oftenAlone("often alone", [] { return doOverAndOver(ROUNDS, 1 << 20); });
+
+TEST(SessionOften, InAHostWithAQtApplication) { EXPECT_EQ(oftenInQtHost.run(), ""); }
+TEST(SessionOften, WithAnApplicationOfItsOwn) { EXPECT_EQ(oftenAlone.run(), ""); }
+
+// The order of the teardown, as far as Qt's objects tell it.
+
+int recordOrder() {
+  static QStringList order;
+  SoNode* const root = makeScene();
+  SoVantleImpl::start(root, nullptr);
+  CHILD_EXPECT(SoVantleImpl::isRunning());
+  auto const record = [](QObject* object, char const* name) {
+    QObject::connect(object, &QObject::destroyed, [name] {
+      QString entry = name;
+      if (QLocale().decimalPoint() != ".") entry += " after the locale";
+      order << entry;
+    });
+  };
+  QLocale::setDefault(QLocale(QLocale::C));
+  record(VntServices::getInstance(), "services");
+  record(SoVantleViewer::getInstance(), "viewer");
+  record(frame(), "frame");
+  record(QCoreApplication::instance(), "application");
+  SoVantleImpl::stop(true);
+  CHILD_EXPECT((order == QStringList{"services", "viewer", "frame", "application"}));
+  return 0;
+}
+SessionChild const teardown("teardown", recordOrder);
+
+TEST(SessionTeardown, GoesInOrder) { EXPECT_EQ(teardown.run(), ""); }
+
+// Programs that end.
+
+int startAndShow() {
+  SoVantleImpl::start(makeScene(), nullptr);
+  CHILD_EXPECT(showsWindow());
+  return 0;
+}
+
+SessionChild const returns("returns", startAndShow);
+SessionChild const exits("exits", [] {
+  if (startAndShow() != 0) return 2;
+  std::exit(0);
+});
+SessionChild const exitsInside("exits inside", [] {
+  if (startAndShow() != 0) return 2;
+  QTimer::singleShot(0, frame(), [] { std::exit(0); });
+  while (SoVantleImpl::processEvents()) {}
+  return 3;
+});
+SessionChild const standaloneReturns("standalone returns", [] {
+  SoVantleImpl::startStandalone(argumentCount, arguments);
+  return showsWindow() ? 0 : 2;
+});
+SessionChild const applicationGoes("application goes", [] {
+  {
+    QApplication application(argumentCount, arguments);
+    if (startAndShow() != 0) return 2;
+  }
+  CHILD_EXPECT(nothingIsLeft());
+  CHILD_EXPECT(!SoVantleImpl::processEvents());
+  SoVantleImpl::stop(true);
+  // Another one, and again.
+  QApplication application(argumentCount, arguments);
+  return startAndShow();
+});
+SessionChild const applicationStays("application stays", [] {
+  new QApplication(argumentCount, arguments);
+  return startAndShow();
+});
+SessionChild const exitsInSlotOfHost("exits in a slot of the host", [] {
+  QApplication application(argumentCount, arguments);
+  if (startAndShow() != 0) return 2;
+  QTimer::singleShot(0, [] { std::exit(0); });
+  return application.exec();
+});
+SessionChild const quitsInSlotOfHost("quits in a slot of the host", [] {
+  QApplication application(argumentCount, arguments);
+  if (startAndShow() != 0) return 2;
+  // Deferred, and never carried out by the host.
+  QTimer::singleShot(0, [] { SoVantleImpl::stop(false); });
+  QTimer::singleShot(20, &application, &QApplication::quit);
+  return application.exec();
+});
+
+TEST(SessionEnds, WithTheProgram) {
+  for (SessionChild const* child : {&returns, &exits, &exitsInside, &standaloneReturns}) {
+    EXPECT_EQ(child->run(), "") << child->name();
+  }
+}
+
+TEST(SessionEnds, WithTheHostsQtApplication) {
+  for (SessionChild const* child :
+       {&applicationGoes, &applicationStays, &exitsInSlotOfHost, &quitsInSlotOfHost}) {
+    EXPECT_EQ(child->run(), "") << child->name();
+  }
+}
+
+// Stops inside of the processEvents() that drives the session's own application.
+
+int stopInsideOfOwnApplication() {
+  SoNode* const root = makeScene();
+  for (bool byHand : {true, false}) {
+    SoVantleImpl::start(root, nullptr);
+    CHILD_EXPECT(showsWindow());
+    bool inside = false;
+    auto const stop = [&inside] {
+      inside = true;
+      SoVantleImpl::stop(true);
+      inside = inside && !SoVantleImpl::isRunning() && QCoreApplication::instance() &&
+               !SoVantleImpl::processEvents() && VntShellImpl::isInstance() && !frame()->isVisible();
+    };
+    if (byHand) {
+      QObject::connect(SoVantleViewer::getInstance()->getTreeView(), &QTreeWidget::itemClicked, stop);
+      QWidget* const view = SoVantleViewer::getInstance()->getTreeView()->viewport();
+      QTest::mouseClick(frame()->windowHandle(), Qt::LeftButton, {}, view->mapTo(frame(), QPoint(20, 10)));
+    } else {
+      QTimer::singleShot(0, frame(), stop);
+    }
+    for (int i = 0; i < 1000 && SoVantleImpl::processEvents(); ++i) QTest::qSleep(1);
+    CHILD_EXPECT(inside);
+    CHILD_EXPECT(nothingIsLeft());
+    CHILD_EXPECT(!QCoreApplication::instance());
+    CHILD_EXPECT(root->getRefCount() == 1);
+  }
+  return 0;
+}
+SessionChild const stopsInside("stops inside", stopInsideOfOwnApplication);
+
+TEST(SessionEnds, FromInsideOfItsOwnApplication) { EXPECT_EQ(stopsInside.run(), ""); }
+
+} // namespace
