@@ -41,5 +41,3 @@ VntExtension* VntDefaultsPlugin::getExtension(SbString const& name) {
   }
   return nullptr;
 }
-
-VNT_EXPORT_PLUGIN(VntDefaultsPlugin)

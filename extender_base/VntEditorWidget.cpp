@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "vnt/QtText.h"
 #include "vnt/VntFieldEdit.h"
@@ -17,15 +18,33 @@ VntEditorWidget::VntEditorWidget(VntFieldEdit* edit, QWidget* parent)
   m_note->setObjectName("changedNote");
   m_note->setWordWrap(true);
   m_note->setTextFormat(Qt::PlainText);
+  QFont font = m_note->font();
+  font.setItalic(true);
+  m_note->setFont(font);
   m_note->hide();
-  connect(edit, &VntFieldEdit::changed, this, &VntEditorWidget::refresh);
+  connect(edit, &VntFieldEdit::changed, this, &VntEditorWidget::valueChanged);
+}
+
+void VntEditorWidget::valueChanged() {
+  m_isBehind = !isVisible();
+  if (!m_isBehind) refresh();
+}
+
+void VntEditorWidget::showEvent(QShowEvent* event) {
+  if (std::exchange(m_isBehind, false)) refresh();
+  QWidget::showEvent(event);
+}
+
+void VntEditorWidget::giveUp() {
+  if (m_edit->getField() && (m_typing || m_edit->isPreviewing())) escape();
 }
 
 void VntEditorWidget::refresh() {
   if (!m_edit->getField()) return;
   if (m_typing) {
-    m_note->setText(tr("changed to %1").arg(valueText()));
-    m_note->show();
+    QString const value = valueText();
+    m_note->setText(tr("changed to %1").arg(value));
+    m_note->setVisible(!value.isNull());
   } else {
     m_note->hide();
     showValue();

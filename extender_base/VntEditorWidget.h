@@ -9,7 +9,8 @@ class VntFieldEdit;
 
 /// Base of the editors: shows the field's value again whenever it changes, but for what the user is typing. A
 /// change by the program is then told beside the text, which stays until Enter takes it or Escape drops it.
-/// Escape also ends a drag and gives back the value from before.
+/// Escape also ends a drag and gives back the value from before. While nobody can see the editor it does
+/// nothing and catches up when it is shown again.
 class VntEditorWidget : public QWidget {
   Q_OBJECT
  public:
@@ -17,12 +18,14 @@ class VntEditorWidget : public QWidget {
 
   /// Shows the value, or tells the user of it while he is typing. The panel's and makeEditor()'s.
   void refresh();
+  /// Drops what is typed or dragged and not entered yet; the panel's, before it takes another field.
+  void giveUp();
 
  protected:
   /// Puts the field's value into the widgets, whose signals are not to answer with an edit. The field is
   /// there.
   virtual void showValue() = 0;
-  /// The value in one short line, for telling the user of a change.
+  /// The value in one short line, for telling the user of a change; null: what he types at has not changed.
   virtual QString valueText() const;
 
   VntFieldEdit* edit() const { return m_edit; }
@@ -37,10 +40,14 @@ class VntEditorWidget : public QWidget {
   /// Drops what is being typed, or gives up a drag.
   virtual void escape();
   void keyPressEvent(QKeyEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void valueChanged();
+
   VntFieldEdit* m_edit;
   QVBoxLayout* m_content;
   QLabel* m_note;
   bool m_typing = false;
+  bool m_isBehind = false; // the value has changed while the editor was hidden
 };

@@ -1,5 +1,7 @@
 #include "extender_base/VntFieldEditorExtension.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QDockWidget>
 
 #include "extender_base/VntFieldEditorPanel.h"
@@ -19,8 +21,14 @@ void VntFieldEditorExtension::activate() {
   VntShell* const shell = VntShell::getInstance();
   shell->registerDock(m_dock, Qt::RightDockWidgetArea);
   shell->registerViewMenu(this, true);
+  // The window's, so that it works from everywhere in it.
+  auto* const keys = new QAction(tr("Edit Field"), m_dock);
+  keys->setShortcut(Qt::Key_F6);
+  connect(keys, &QAction::triggered, this, &VntFieldEditorExtension::switchKeys);
+  for (QWidget* window : {m_dock->parentWidget(), static_cast<QWidget*>(m_dock)}) window->addAction(keys);
   connect(VntServices::getInstance(), &VntServices::selectedFieldChanged, this,
           &VntFieldEditorExtension::selectField);
+  connect(VntServices::getInstance(), &VntServices::fieldActivated, this, [this] { giveKeys(); });
   selectField(VntServices::getInstance()->getSelectedField());
 }
 
@@ -34,10 +42,12 @@ void VntFieldEditorExtension::deactivate() {
   delete m_dock;
 }
 
-void VntFieldEditorExtension::addControlled(VntExtension* controlled) {
+bool VntFieldEditorExtension::addControlled(VntExtension* controlled) {
   auto* const editor = dynamic_cast<VntFieldEditor*>(controlled);
   SoType const type = SoType::fromName(SbName(controlled->getName()));
-  if (editor && !type.isBad()) m_editors.insert_or_assign(type, editor);
+  if (!editor || type.isBad()) return false;
+  m_editors.insert_or_assign(type, editor);
+  return true;
 }
 
 void VntFieldEditorExtension::show() {
@@ -46,6 +56,25 @@ void VntFieldEditorExtension::show() {
 
 void VntFieldEditorExtension::hide() {
   if (m_dock) m_dock->hide();
+}
+
+void VntFieldEditorExtension::giveKeys() {
+  if (!m_panel) return;
+  m_dock->show();
+  m_dock->raise();
+  if (m_dock->isFloating()) m_dock->activateWindow();
+  m_panel->focusEditor();
+}
+
+void VntFieldEditorExtension::switchKeys() {
+  QWidget* const now = QApplication::focusWidget();
+  if (!m_panel || !m_panel->isAncestorOf(now)) {
+    m_before = now;
+    return giveKeys();
+  }
+  if (!m_before) return;
+  m_before->activateWindow();
+  m_before->setFocus(Qt::ShortcutFocusReason);
 }
 
 void VntFieldEditorExtension::selectField(SoField* field) {

@@ -8,12 +8,13 @@
 #include "vnt/VntExtension.h"
 
 class QDockWidget;
+class QWidget;
 class SoField;
 class VntFieldEditor;
 class VntFieldEditorPanel;
 
 /// The extension "Field Editor": a dock that shows an editor for the selected field, made by the extension
-/// that is controlled for its type.
+/// that is controlled for its type. F6 moves the keyboard focus into it and back to where it was.
 class VntFieldEditorExtension : public QObject, public VntExtension {
   Q_OBJECT
  public:
@@ -24,14 +25,17 @@ class VntFieldEditorExtension : public QObject, public VntExtension {
   void activate() override;
   void deactivate() override;
   /// Field editors only; of two for one type the later one is taken.
-  void addControlled(VntExtension* controlled) override;
+  bool addControlled(VntExtension* controlled) override;
   void show() override;
   void hide() override;
 
  private:
   void selectField(SoField* field);
+  void giveKeys();
+  void switchKeys();
 
   std::unordered_map<SoType, VntFieldEditor*> m_editors; // the plug-ins'
   QPointer<QDockWidget> m_dock;
   QPointer<VntFieldEditorPanel> m_panel; // the dock's
+  QPointer<QWidget> m_before;            // what had the keyboard before F6 gave it to the editor
 };

@@ -2,36 +2,93 @@
 
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QStyle>
+#include <QToolTip>
 
+#include "extender_base/VntEditorWidget.h"
 #include "vnt/QtText.h"
 #include "vnt/VntFieldEdit.h"
 #include "vnt/VntFieldEditor.h"
 
+namespace {
+
+/// A line that is cut to its width; the whole text is then its tool tip.
+class ElidedLabel : public QLabel {
+ public:
+  explicit ElidedLabel(QWidget* parent) : QLabel(parent) { setTextFormat(Qt::PlainText); }
+  QSize minimumSizeHint() const override {
+    return {qMin(sizeHint().width(), fontMetrics().averageCharWidth() * 6), sizeHint().height()};
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, width()), foregroundRole());
+  }
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+    bool const isCut = fontMetrics().horizontalAdvance(text()) > width();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isCut ? text() : QString(), this);
+    return true;
+  }
+};
+
+QString describe(SoFieldContainer const* container) {
+  QString const type = toQString(container->getTypeId().getName().getString());
+  QString const name = toQString(container->getName().getString());
+  return name.isEmpty() ? type
+                        : VntFieldEditorPanel::tr("%1 \"%2\"", "type and name of a node").arg(type, name);
+}
+
+bool hasOwnUndo(QObject const* widget, bool redo) {
+  if (auto const* line = qobject_cast<QLineEdit const*>(widget))
+    return redo ? line->isRedoAvailable() : line->isUndoAvailable();
+  if (auto const* text = qobject_cast<QPlainTextEdit const*>(widget))
+    return redo ? text->document()->isRedoAvailable() : text->document()->isUndoAvailable();
+  return true;
+}
+
+} // namespace
+
 VntFieldEditorPanel::VntFieldEditorPanel(QWidget* parent)
     : QWidget(parent),
-      m_title(new QLabel(this)),
-      m_subtitle(new QLabel(this)),
+      m_title(new ElidedLabel(this)),
+      m_subtitle(new ElidedLabel(this)),
       m_state(new QWidget(this)),
       m_ignored(new QCheckBox(tr("Ignored"), m_state)),
       m_reset(new QPushButton(tr("Reset"), m_state)),
-      m_source(new QLabel(m_state)),
+      m_source(new ElidedLabel(m_state)),
       m_disconnect(new QPushButton(tr("Disconnect"), m_state)),
       m_area(new QScrollArea(this)),
       m_problem(new QLabel(this)) {
   buildHeader();
+  auto* const header = new QHBoxLayout;
+  header->setSpacing(8);
+  header->addWidget(m_title);
+  header->addWidget(m_subtitle, 1);
   auto* const layout = new QVBoxLayout(this);
-  layout->setContentsMargins(8, 6, 8, 6);
+  layout->setContentsMargins(6, 6, 6, 6);
   layout->setSpacing(4);
-  layout->addWidget(m_title);
-  layout->addWidget(m_subtitle);
+  layout->addLayout(header);
   layout->addWidget(m_state);
   layout->addWidget(m_area, 1);
   layout->addWidget(m_problem);
+  m_area->setObjectName("editorArea");
   m_area->setWidgetResizable(true);
   m_area->setFrameShape(QFrame::NoFrame);
+  m_area->setFocusPolicy(Qt::NoFocus);
+  // From the value on to the state: what is used most comes first.
+  setTabOrder(m_area, m_ignored);
+  setTabOrder(m_ignored, m_disconnect);
+  setTabOrder(m_disconnect, m_reset);
   clear();
 }
 
@@ -45,6 +102,7 @@ void VntFieldEditorPanel::buildHeader() {
   bold.setBold(true);
   m_title->setFont(bold);
   m_title->setObjectName("fieldName");
+  m_subtitle->setObjectName("fieldOwner");
   m_ignored->setObjectName("ignored");
   m_ignored->setToolTip(tr("The node behaves as if this field had not been set"));
   m_reset->setObjectName("reset");
@@ -53,14 +111,14 @@ void VntFieldEditorPanel::buildHeader() {
   m_disconnect->setToolTip(tr("The field keeps its value and follows no other one"));
   m_source->setObjectName("source");
   m_problem->setObjectName("problem");
-  for (QLabel* label : {m_title, m_subtitle, m_source, m_problem}) label->setTextFormat(Qt::PlainText);
+  m_problem->setTextFormat(Qt::PlainText);
   m_problem->setWordWrap(true);
-  QPalette red = m_problem->palette();
-  red.setColor(QPalette::WindowText, QColor(0xb0, 0x00, 0x20));
-  m_problem->setPalette(red);
+  m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  colorProblem();
 
   auto* const row = new QHBoxLayout(m_state);
   row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(4);
   row->addWidget(m_ignored);
   row->addWidget(m_source, 1);
   row->addWidget(m_disconnect);
@@ -77,25 +135,51 @@ void VntFieldEditorPanel::buildHeader() {
   });
 }
 
+void VntFieldEditorPanel::colorProblem() {
+  bool const isDark = palette().color(QPalette::Window).lightness() < 128;
+  QPalette red = palette();
+  red.setColor(QPalette::WindowText, isDark ? QColor(0xff, 0x80, 0x80) : QColor(0xb0, 0x00, 0x20));
+  m_problem->setPalette(red);
+}
+
+void VntFieldEditorPanel::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) colorProblem();
+  QWidget::changeEvent(event);
+}
+
+bool VntFieldEditorPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    auto const* const key = static_cast<QKeyEvent*>(event);
+    bool const redo = key->matches(QKeySequence::Redo);
+    if ((redo || key->matches(QKeySequence::Undo)) && !hasOwnUndo(watched, redo)) {
+      event->ignore();
+      return true;
+    }
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
 void VntFieldEditorPanel::clear() {
   if (m_editor) {
-    // It may be in the middle of its own event: the field goes while a button in it is still pressed.
+    // What was half typed or dragged belongs to the field that is left. Losing the focus would enter it.
+    if (auto* const editor = qobject_cast<VntEditorWidget*>(m_editor)) editor->giveUp();
+    // It may be in the middle of its own event: the field goes while a button in it is still pressed. The
+    // panel stays its parent: whoever ends the session at once takes it along.
     QWidget* const editor = m_area->takeWidget();
     editor->disconnect();
-    editor->hide();
+    editor->setParent(this);
     editor->setEnabled(false);
     if (m_edit) {
       m_edit->disconnect();
       m_edit->cancel();
       m_edit.release()->setParent(editor);
     }
-    editor->setParent(nullptr);
     editor->deleteLater();
     m_editor = nullptr;
   }
   m_edit.reset();
   m_title->setText(tr("No field is selected"));
-  m_subtitle->setText(tr("Select a row of the node overview to edit its field."));
+  m_subtitle->setText(tr("Select a row of the Node Overview."));
   m_state->hide();
   showProblem({});
 }
@@ -112,13 +196,12 @@ void VntFieldEditorPanel::setField(SoField* field, QList<VntFieldEditor*> const&
     m_editor = maker->createEditor(m_edit.get(), m_area);
     if (m_editor) break;
   }
-  if (m_editor) m_area->setWidget(m_editor);
-  SoFieldContainer const* const container = field->getContainer();
-  QString const name = toQString(field->getName().getString());
-  QString const type = toQString(field->getTypeId().getName().getString());
-  m_title->setText(name.isEmpty() ? type : name);
-  m_subtitle->setText(
-      container ? tr("%1 of %2").arg(type, toQString(container->getTypeId().getName().getString())) : type);
+  if (m_editor) {
+    m_area->setWidget(m_editor);
+    for (QWidget* widget : m_editor->findChildren<QWidget*>()) widget->installEventFilter(this);
+  }
+  m_title->setText(
+      toQString((field->getContainer() ? field->getName() : field->getTypeId().getName()).getString()));
   m_state->show();
   showState();
 }
@@ -126,24 +209,48 @@ void VntFieldEditorPanel::setField(SoField* field, QList<VntFieldEditor*> const&
 void VntFieldEditorPanel::showState() {
   SoField const* const field = m_edit->getField();
   if (!field) return;
-  bool const isConnected = field->isConnected();
+  bool const isConnected = field->isConnected(), isEditable = m_edit->isEditable();
+  QString const type = toQString(field->getTypeId().getName().getString());
+  SoFieldContainer const* const container = field->getContainer();
+  m_subtitle->setText(container ? tr("%1 of %2", "a type of field, a node").arg(type, describe(container))
+                                : tr("stands alone"));
   m_ignored->setChecked(field->isIgnored());
-  m_reset->setEnabled(m_edit->isEditable() && !field->isDefault());
+  m_reset->setEnabled(isEditable && !field->isDefault());
   m_reset->setText(field->isDefault() ? tr("Default") : tr("Reset"));
-  m_source->setVisible(isConnected);
   m_disconnect->setVisible(isConnected);
   if (isConnected) {
     SoField const* const source = field->getConnectedField();
-    SoFieldContainer const* const container = source->getContainer();
+    SoFieldContainer const* const owner = source->getContainer();
     m_source->setText(
         tr("follows %1 of %2")
-            .arg(toQString(source->getName().getString()),
-                 container ? toQString(container->getTypeId().getName().getString()) : tr("the program")));
+            .arg(toQString(source->getName().getString()), owner ? describe(owner) : tr("the program")));
+  } else {
+    m_source->setText(isEditable ? QString() : tr("set by its node only"));
   }
-  if (m_editor) m_editor->setEnabled(m_edit->isEditable());
+  m_source->setVisible(!m_source->text().isEmpty());
+  if (m_editor) m_editor->setEnabled(isEditable);
 }
 
 void VntFieldEditorPanel::showProblem(QString const& problem) {
   m_problem->setText(problem);
   m_problem->setVisible(!problem.isEmpty());
+}
+
+void VntFieldEditorPanel::focusEditor() {
+  auto const takesKeys = [](QWidget const* widget) {
+    return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus);
+  };
+  auto const firstIn = [&](QWidget* root) -> QWidget* {
+    if (!root) return nullptr;
+    QWidget* proxy = root;
+    while (proxy->focusProxy()) proxy = proxy->focusProxy();
+    if (takesKeys(proxy)) return proxy;
+    for (QWidget* next = root->nextInFocusChain(); next != root; next = next->nextInFocusChain()) {
+      if (root->isAncestorOf(next) && takesKeys(next)) return next;
+    }
+    return nullptr;
+  };
+  QWidget* target = firstIn(m_editor);
+  if (!target) target = firstIn(m_state);
+  if (target) target->setFocus(Qt::ShortcutFocusReason);
 }

@@ -21,17 +21,25 @@ class VntFieldEditorPanel : public QWidget {
   ~VntFieldEditorPanel() override;
 
   /// Null: no field. The first of the makers that makes an editor is taken. The same field again changes
-  /// nothing.
+  /// nothing. The keyboard focus stays where it is.
   void setField(SoField* field, QList<VntFieldEditor*> const& makers);
   /// The editor that is shown; null when there is none.
   QWidget* getEditor() const { return m_editor; }
   VntFieldEdit* getEdit() const { return m_edit.get(); }
+  /// Gives the keyboard to the editor, or to the first thing in the panel that takes it.
+  void focusEditor();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+  /// For the lines of the editor: undo and redo are the window's where a line has nothing to undo itself.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void buildHeader();
   void clear();
   void showState();
   void showProblem(QString const& problem);
+  void colorProblem();
 
   std::unique_ptr<VntFieldEdit> m_edit;
   QPointer<QWidget> m_editor;

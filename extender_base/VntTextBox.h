@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QToolButton;
+
+/// A text to be typed: one line, or several where that is allowed and the user wants it or the text has them.
+/// Enter enters a line, Ctrl+Enter several, and so does leaving the box; entered() is sent when something was
+/// typed.
+class VntTextBox : public QWidget {
+  Q_OBJECT
+ public:
+  explicit VntTextBox(bool allowsLines, QWidget* parent = nullptr);
+
+  /// Sends nothing. Of a text that is longer than setLongest() only the beginning is shown, and it can not be
+  /// edited.
+  void setText(QString const& text);
+  QString text() const;
+  void setLongest(qsizetype characters) { m_longest = characters; }
+  /// True from the first key until setText().
+  bool isModified() const;
+  bool hasLines() const { return m_hasLines; }
+
+ Q_SIGNALS:
+  void edited();
+  void entered();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void showLines(bool on);
+  void toggleLines(bool on);
+  void changed();
+  void updateHint();
+
+  bool m_hasLines = false;
+  bool m_isCut = false;
+  qsizetype m_longest = 1 << 18;
+  qsizetype m_length = 0;
+  QLineEdit* m_line;
+  QPlainTextEdit* m_lines;
+  QToolButton* m_toggle;
+  QLabel* m_hint;
+};
