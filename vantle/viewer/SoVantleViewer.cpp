@@ -100,8 +100,9 @@ SoVantleViewer::SoVantleViewer() {
   for (QDockWidget* dock : {m_overviewDock, m_watchDock}) {
     dock->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   }
-  // The tree keeps the whole height: rows are what there is most of.
+  // Tree and fields keep the whole height: rows are what there is most of, and editors want room.
   frame->setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+  frame->setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
   m_edition = std::make_unique<SoVantleEdition>(m_treeView, m_overviewDock, m_watchDock);
 }
 
@@ -297,4 +298,8 @@ void SoVantleViewer::applyDefaultLayout() {
     frame->resizeDocks({m_overviewDock}, {width * 50 / 100}, Qt::Horizontal);
   }
   frame->resizeDocks({m_watchDock}, {frame->height() * 16 / 100}, Qt::Vertical);
+  if (auto* const editor = frame->findChild<QDockWidget*>(QStringLiteral("dockFieldEditor"))) {
+    frame->resizeDocks({m_overviewDock, editor}, {frame->height() * 42 / 100, frame->height() * 46 / 100},
+                       Qt::Vertical);
+  }
 }
