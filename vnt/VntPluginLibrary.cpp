@@ -46,7 +46,9 @@ QStringList VntPluginLibrary::folders(QStringList& problems) {
 VntPluginLibrary::VntPluginLibrary(QString const& name, QStringList const& folders) {
   find(name, folders);
   if (m_problem.isEmpty()) judge();
-  if (!m_problem.isEmpty()) m_problem = tr("plug-in \"%1\": %2").arg(name, m_problem);
+  if (m_problem.isEmpty()) return;
+  m_problem = tr("plug-in \"%1\": %2").arg(name, m_problem);
+  if (!m_info.file.isEmpty()) m_problem += "\n(" + m_info.file + ')';
 }
 
 void VntPluginLibrary::find(QString const& name, QStringList const& folders) {
@@ -59,11 +61,11 @@ void VntPluginLibrary::find(QString const& name, QStringList const& folders) {
     QFileInfo const candidate(folder + '/' + file);
     if (!candidate.exists()) continue;
     m_info.file = candidate.absoluteFilePath();
-    if (!candidate.isFile() || !candidate.isReadable()) m_problem = tr("%1 can not be read").arg(m_info.file);
+    if (!candidate.isFile() || !candidate.isReadable()) m_problem = tr("%1 can not be read").arg(file);
     return;
   }
   m_absent = true;
-  m_problem = tr("there is no %1 in %2").arg(file, folders.join(", "));
+  m_problem = tr("there is no %1\n(looked in %2)").arg(file, folders.join(", "));
 }
 
 void VntPluginLibrary::judge() {
@@ -80,19 +82,20 @@ void VntPluginLibrary::judge() {
   QString const iid = all.value("IID").toString(), wanted = QStringLiteral(VNT_PLUGIN_IID);
   int const qt = all.value("version").toInt();
   QVersionNumber const itsQt(qt >> 16, qt >> 8 & 255), ourQt = QLibraryInfo::version();
+  QString const file = m_info.file.section('/', -1);
   if (all.isEmpty()) {
-    m_problem = tr("%1 is no plug-in: %2").arg(m_info.file, m_loader.errorString().section("': ", -1));
+    m_problem = tr("%1 is no plug-in: it %2").arg(file, m_loader.errorString().section("' ", -1));
   } else if (itsQt.majorVersion() != ourQt.majorVersion() || itsQt.minorVersion() > ourQt.minorVersion()) {
-    m_problem = tr("%1 is made for Qt %2, this is %3").arg(m_info.file, itsQt.toString(), ourQt.toString());
+    m_problem = tr("%1 is made for Qt %2, this is %3").arg(file, itsQt.toString(), ourQt.toString());
   } else if (interfaceName(iid) != interfaceName(wanted)) {
-    m_problem = tr("%1 is a plug-in for something else (%2)").arg(m_info.file, iid);
+    m_problem = tr("%1 is a plug-in for something else (%2)").arg(file, iid);
   } else if (iid != wanted) {
     m_problem = tr("%1 is made for version %2 of the framework, this is %3")
-                    .arg(m_info.file, interfaceVersion(iid), interfaceVersion(wanted));
+                    .arg(file, interfaceVersion(iid), interfaceVersion(wanted));
   } else if (m_info.name.isEmpty()) {
-    m_problem = tr("%1 has no \"name\" in its metadata").arg(m_info.file);
+    m_problem = tr("%1 has no \"name\" in its metadata").arg(file);
   } else if (m_info.extensions.isEmpty()) {
-    m_problem = tr("%1 has no \"extensions\" in its metadata").arg(m_info.file);
+    m_problem = tr("%1 has no \"extensions\" in its metadata").arg(file);
   }
 }
 

@@ -24,7 +24,7 @@ class VntPluginLibrary {
 
   /// No file of that name in any folder.
   bool isAbsent() const { return m_absent; }
-  /// Why it can not be used; empty when it can.
+  /// Why it can not be used; empty when it can. Details stand behind a line end.
   QString const& getProblem() const { return m_problem; }
   /// Whatever of it is there when there is a problem.
   VntPluginInfo const& getInfo() const { return m_info; }

@@ -39,8 +39,10 @@ QString currentException() {
   }
 }
 
+// Details of a problem stand behind a line end: folders and paths, too long for a status bar.
+
 void post(QString const& problem) {
-  SoDebugError::post("VntPluginsManager", "%s", toSbString(problem).c_str());
+  SoDebugError::post("VntPluginsManager", "%s", toSbString(QString(problem).replace('\n', ' ')).c_str());
 }
 
 void showInStatusBar(QStringList const& problems) {
@@ -75,7 +77,7 @@ struct VntPluginsManager::Private {
 
   void complain(QString const& problem) {
     post(problem);
-    problems << problem;
+    problems << problem.section('\n', 0, 0).replace(source, source.section('/', -1));
   }
   QString at(qint64 line) const { return QStringLiteral("%1:%2: ").arg(source).arg(line); }
 
@@ -125,9 +127,8 @@ struct VntPluginsManager::Private {
       else
         complain(at(module.line) + library.getProblem());
     } else if (other) {
-      complain(at(module.line) +
-               tr("plug-in \"%1\": %2 is passed over, the plug-in \"%3\" is loaded from %4 already")
-                   .arg(module.file, info.file, info.name, other->info.file));
+      complain(at(module.line) + tr("plug-in \"%1\" is passed over: \"%2\" is loaded already\n(%3, from %4)")
+                                     .arg(module.file, info.name, info.file, other->info.file));
     } else {
       makePlugin(library, module);
     }
@@ -137,7 +138,8 @@ struct VntPluginsManager::Private {
     VntPluginInfo const& info = library.getInfo();
     std::unique_ptr<QObject> object;
     bool const made =
-        call({info.name, nullptr}, tr("making the object of %1").arg(info.file), [&] { object.reset(library.load()); });
+        call({info.name, nullptr}, tr("making the object of %1").arg(info.file.section('/', -1)),
+             [&] { object.reset(library.load()); });
     auto* const plugin = qobject_cast<VntPlugin*>(object.get());
     if (plugin) {
       plugins.push_back({info, std::move(object), plugin});

@@ -1,6 +1,7 @@
 #include "kestrava/base/SoChildList.h"
 
 #include "kestrava/nodes/SoNode.h"
+#include "kestrava/sensors/SoNodeSensor.h"
 
 namespace {
 
@@ -29,22 +30,26 @@ void SoChildList::append(SoNode* node) {
 }
 
 void SoChildList::insert(SoNode* node, int index) {
+  SoNodeSensor::Dispatch::makePaths();
   hold(node, m_parent);
   m_nodes.insert(m_nodes.begin() + index, node);
 }
 
 void SoChildList::remove(int index) {
+  SoNodeSensor::Dispatch::makePaths();
   SoNode* const node = m_nodes[index];
   m_nodes.erase(m_nodes.begin() + index);
   release(node, m_parent);
 }
 
 void SoChildList::replace(int index, SoNode* node) {
+  SoNodeSensor::Dispatch::makePaths();
   hold(node, m_parent);
   release(std::exchange(m_nodes[index], node), m_parent);
 }
 
 void SoChildList::truncate(int length) {
+  SoNodeSensor::Dispatch::makePaths();
   while (getLength() > length) {
     SoNode* const node = m_nodes.back();
     m_nodes.pop_back();

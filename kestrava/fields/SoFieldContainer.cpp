@@ -177,9 +177,13 @@ void SoFieldContainer::afterNotification(std::function<void()> function) {
   deferred.push_back({notificationDepth, std::move(function)});
 }
 
+void SoFieldContainer::removeAuditor(void* auditor, SoAuditorList::Kind kind) {
+  if (kind != SoAuditorList::SENSOR) SoNodeSensor::Dispatch::makePaths();
+  m_auditors.remove(auditor, kind);
+}
+
 void SoFieldContainer::notify(SoNotification const& notification) {
   NotificationDepth const depth;  // what waits for this notification is called even when nobody is told
-  SoNodeSensor::Dispatch::makePaths();
   if (!m_notifyEnabled) return;
   static std::atomic<std::uint32_t> lastVisit{0};
   std::uint32_t const visit = ++lastVisit;

@@ -85,7 +85,7 @@ class SoFieldContainer : public SoBase {
 
   SoAuditorList const& getAuditors() const { return m_auditors; }
   void addAuditor(void* auditor, SoAuditorList::Kind kind) { m_auditors.append(auditor, kind); }
-  void removeAuditor(void* auditor, SoAuditorList::Kind kind) { m_auditors.remove(auditor, kind); }
+  void removeAuditor(void* auditor, SoAuditorList::Kind kind);
 
  protected:
   SoFieldContainer() = default;

@@ -20,7 +20,8 @@ class SoNodeSensor : public SoDataSensor {
   SoNode* getAttachedNode() const;
 
   /// The sensors reached by one change. One that is detached or destroyed by another's function while the
-  /// list is worked off is not called. Paths are made when somebody asks for one, or wants to change the graph.
+  /// list is worked off is not called. Paths are made when somebody asks for one, or is about to
+  /// change the graph.
   class Dispatch {
    public:
     struct Reached {
@@ -33,7 +34,7 @@ class SoNodeSensor : public SoDataSensor {
     /// The sensor's container is the one that was reached as the `at`th.
     void add(SoNodeSensor* sensor, int at);
     void run(SoNotification const& notification);
-    /// To be called before a change inside a sensor's function: afterwards the way may be another one.
+    /// Before any change of who is whose child: afterwards the ways may be others, or lead over what is gone.
     static void makePaths();
 
    private:

@@ -78,7 +78,8 @@ TEST_F(LoaderTest, TheInspectorIsFoundBesideTheToolkit) {
         std::string const locale = std::setlocale(LC_ALL, nullptr);
         bool const found = SoLibVantle::isAvailable();
         if (!found) std::fprintf(stderr, "%s\n", SoLibVantle::getLastError().c_str());
-        bool const quiet = !SoLibVantle::instance()->isRunning() && !SoLibVantle::instance()->processEvents() &&
+        bool const quiet = !SoLibVantle::instance()->isRunning() &&
+                           !SoLibVantle::instance()->processEvents() &&
                            locale == std::setlocale(LC_ALL, nullptr);
         SoLibVantle::instance()->stop();
         std::exit(found && quiet && SoLibVantle::getLastError().empty() ? 0 : 3);

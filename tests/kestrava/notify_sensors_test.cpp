@@ -44,6 +44,56 @@ TEST(NotifySensors, MayBeDetachedAndDestroyedInsideACallback) {
   EXPECT_EQ(cube->getAuditors().getLength(), 0);
 }
 
+// The way to a change is told as it was at the change, whatever the functions that are called do with the graph.
+TEST(NotifySensors, TellTheWayAsItWas) {
+  SoRef<SoSeparator> const root(new SoSeparator);
+  auto* const group = new SoSeparator;
+  SoRef<SoTransform> const changed(new SoTransform);
+  root->addChild(new SoCube);
+  root->addChild(group);
+  group->addChild(changed);
+  struct Seen {
+    SoSeparator* group;
+    SoNodeSensor* sensor;
+    std::vector<int> early, late;
+    bool busy = false;
+    static std::vector<int> way(SoPath* path) {
+      std::vector<int> indices;
+      for (int i = 1; path && i < path->getLength(); ++i) indices.push_back(path->getIndex(i));
+      return indices;
+    }
+  };
+  auto look = [](void* data, SoSensor*) {
+    auto& seen = *static_cast<Seen*>(data);
+    if (seen.busy) return;
+    seen.busy = true;
+    seen.early = Seen::way(seen.sensor->getTriggerPath());
+    seen.group->removeAllChildren();
+    seen.late = Seen::way(seen.sensor->getTriggerPath());
+  };
+  auto removeFirst = [](void* data, SoSensor* sensor) {
+    auto& seen = *static_cast<Seen*>(data);
+    if (static_cast<SoNodeSensor*>(sensor)->getTriggerType() == SoNotification::UNSPECIFIED) {
+      seen.busy = true;
+      seen.group->insertChild(new SoCube, 0);
+      seen.busy = false;
+    }
+  };
+  Seen seen{group, nullptr, {}, {}};
+  // This one is called first, and puts a node before the changed one.
+  SoNodeSensor other(removeFirst, &seen), sensor(look, &seen);
+  seen.sensor = &sensor;
+  sensor.setTriggerPathFlag(true);
+  for (SoNodeSensor* s : {&other, &sensor}) {
+    s->setPriority(0);
+    s->attach(root);
+  }
+  changed->translation = SbVec3f(1, 0, 0);
+  EXPECT_EQ(seen.early, (std::vector<int>{1, 0}));
+  EXPECT_EQ(seen.late, seen.early);
+  EXPECT_EQ(sensor.getTriggerPath(), nullptr) << "it stands while the function runs";
+}
+
 TEST(NotifySensors, OutliveWhatTheyWatch) {
   auto* cube = new SoCube;
   cube->ref();

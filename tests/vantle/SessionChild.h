@@ -10,8 +10,8 @@
 class SessionChild {
  public:
   SessionChild(char const* name, int (*function)());
-  /// Runs the function in a new process. Empty when it ended with status 0; otherwise what it wrote and how it
-  /// ended.
+  /// Runs the function in a new process. Empty when it ended with status 0; otherwise what it wrote and how
+  /// it ended.
   std::string run() const;
 
   char const* name() const { return m_name; }
@@ -26,10 +26,10 @@ class SessionChild {
 };
 
 /// For the functions: says what does not hold and where, and ends the function with status 2.
-#define CHILD_EXPECT(condition)                                             \
-  do {                                                                      \
-    if (!(condition)) {                                                     \
+#define CHILD_EXPECT(condition)                                                \
+  do {                                                                         \
+    if (!(condition)) {                                                        \
       std::fprintf(stderr, "%s:%d: not " #condition "\n", __FILE__, __LINE__); \
-      return 2;                                                             \
-    }                                                                       \
+      return 2;                                                                \
+    }                                                                          \
   } while (false)

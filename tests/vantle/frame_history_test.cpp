@@ -1,6 +1,7 @@
 // The undo history.
 
 #include <QAction>
+#include <QStatusBar>
 
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoCommandManager.h"
@@ -22,6 +23,7 @@ class HistoryTest : public VantleTest {
     }
     void redo() override { log << "redo " + name; }
     QStringList& log;
+    using VntCommand::setText;
     QString name;
     std::function<void()> onUndo;
   };
@@ -71,6 +73,30 @@ TEST_F(HistoryTest, UndoRedoAndTheDroppedTail) {
   expectActions(true, false);
   commands()->redo();
   EXPECT_EQ(takeLog(), "undo c undo a redo a redo c");
+}
+
+TEST_F(HistoryTest, TheActionsSayWhatTheyWouldDo) {
+  start();
+  push("a")->setText("Set width of Cube");
+  push("b")->setText("Set string of Text2 <b>");
+  push("c");
+  QString const undo = frame()->m_undoAction->text();
+  EXPECT_EQ(frame()->m_undoAction->toolTip(), "Undo") << "the command does not say what it does";
+  commands()->undo();
+  EXPECT_EQ(frame()->statusBar()->currentMessage(), "");
+  EXPECT_EQ(frame()->m_undoAction->toolTip(), "<qt>Undo: Set string of Text2 &lt;b&gt;</qt>");
+  EXPECT_EQ(frame()->m_redoAction->toolTip(), "Redo");
+  commands()->undo();
+  EXPECT_EQ(frame()->statusBar()->currentMessage(), "Undone: Set string of Text2 <b>");
+  EXPECT_EQ(frame()->m_undoAction->toolTip(), "Undo: Set width of Cube");
+  EXPECT_EQ(frame()->m_undoAction->statusTip(), "Undo: Set width of Cube");
+  EXPECT_EQ(frame()->m_redoAction->statusTip(), "Redo: Set string of Text2 <b>");
+  commands()->redo();
+  EXPECT_EQ(frame()->statusBar()->currentMessage(), "Redone: Set string of Text2 <b>");
+  EXPECT_EQ(frame()->m_undoAction->text(), undo);
+  commands()->clearUndoCommands();
+  EXPECT_EQ(frame()->m_undoAction->toolTip(), "Undo");
+  EXPECT_EQ(frame()->m_redoAction->statusTip(), "");
 }
 
 TEST_F(HistoryTest, ACommandThatStandsTwiceIsDestroyedOnce) {

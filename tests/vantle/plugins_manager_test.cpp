@@ -16,7 +16,8 @@ void writeForQt(int major, QString const& file) {
   QFile in(QString(LIBRARIES) + "/libsample.so");
   ASSERT_TRUE(in.open(QIODevice::ReadOnly));
   QByteArray bytes = in.readAll();
-  // A note of the ELF file, or a section of its own in builds of Qt without notes; the names are equally long.
+  // A note of the ELF file, or a section of its own in builds of Qt without notes; the names are equally
+  // long.
   QByteArray const mark = bytes.contains("qt-project!") ? QByteArray("qt-project!", 12) : "QTMETADATA !";
   qsizetype const at = bytes.indexOf(mark);
   ASSERT_GT(at, 0);
@@ -38,7 +39,7 @@ TEST_F(PluginsTest, RefusesBeforeAnyCodeOfTheLibraryRuns) {
     char const* module;
     QString complaint;
   } const cases[] = {
-      {"no_such", "there is no libno_such.so in " + folder() + ", " + LIBRARIES},
+      {"no_such", "there is no libno_such.so (looked in " + folder() + ", " + LIBRARIES},
       {"text", "libtext.so is no plug-in"},
       {"folder", "libfolder.so can not be read"},
       {"no_plugin", "libno_plugin.so is no plug-in"},
@@ -48,7 +49,7 @@ TEST_F(PluginsTest, RefusesBeforeAnyCodeOfTheLibraryRuns) {
       {"nameless", "libnameless.so has no \"name\" in its metadata"},
       {"barren", "libbarren.so has no \"extensions\" in its metadata"},
       {"throwing", "libthrowing.so failed: out of order"},
-      {"second", "the plug-in \"Sample\" is loaded from "},
+      {"second", "is passed over: \"Sample\" is loaded already"},
       {"../test_plugins/sample", "a plug-in is named without folder"},
       {LIBRARIES, "a plug-in is named without folder"},
   };

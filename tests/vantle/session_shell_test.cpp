@@ -2,7 +2,9 @@
 
 #include <QAction>
 #include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QWidget>
 
 #include "kestrava/nodes/SoCube.h"
@@ -65,6 +67,38 @@ TEST_F(ShellTest, ViewMenuShowsAndHidesAnExtension) {
   shell->unregisterViewMenu(&panel);
   EXPECT_FALSE(frame()->getViewMenu()->actions().contains(entry));
   shell->unregisterViewMenu(&panel);
+}
+
+TEST_F(ShellTest, ForgetsWhatIsDestroyedWhileItIsRegistered) {
+  start();
+  VntShell* const shell = VntShell::getInstance();
+  auto panel = std::make_unique<Panel>();
+  auto page = std::make_unique<QWidget>();
+  auto menu = std::make_unique<QMenu>();
+  shell->registerViewMenu(panel.get(), 1);
+  shell->registerPreferencePanel(panel.get(), page.get(), nullptr, nullptr);
+  shell->registerContextualMenu(SoGroup::getClassTypeId(), false, menu.get());
+  menu.reset();
+  EXPECT_TRUE(shell->getContextualMenus(SoGroup::getClassTypeId()).isEmpty());
+  page.reset();
+  EXPECT_TRUE(VntShellImpl::getImplInstance()->getPreferencePanel().isEmpty());
+  QPointer<QAction> const entry = frame()->getViewMenu()->actions().last();
+  panel.reset();
+  EXPECT_TRUE(entry.isNull());
+}
+
+TEST_F(ShellTest, StatusBarShowsLatin1) {
+  start();
+  VntShell* const shell = VntShell::getInstance();
+  shell->showStatusBarMessage("Größe \u4e2d", 0);
+  EXPECT_EQ(frame()->statusBar()->currentMessage(), QString::fromUtf8("Größe ?"));
+  shell->clearStatusBarMessage();
+  EXPECT_EQ(frame()->statusBar()->currentMessage(), "");
+  QPointer<QWidget> const widget = new QWidget;
+  shell->regiterStatusBarWidget(widget, true, 0);
+  EXPECT_TRUE(waitFor([&] { return widget->isVisible(); })); // the bar itself is new
+  shell->unregiterStatusBarWidget(widget);
+  EXPECT_FALSE(widget->isVisible());
 }
 
 TEST_F(ShellTest, TheFirstPreferencePageOfAnExtensionWins) {

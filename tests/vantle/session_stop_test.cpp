@@ -119,7 +119,8 @@ TEST_F(StopTest, FromAShortcut) {
   menu->actions().first()->setShortcut(QKeySequence("Ctrl+K"));
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window));
-  EXPECT_TRUE(endsInEventLoop([&] { QTest::keyClick(window->windowHandle(), Qt::Key_K, Qt::ControlModifier); }));
+  EXPECT_TRUE(
+      endsInEventLoop([&] { QTest::keyClick(window->windowHandle(), Qt::Key_K, Qt::ControlModifier); }));
   EXPECT_EQ(stops, 1);
   delete menu;
   expectAStartWorks();
@@ -197,7 +198,8 @@ TEST_F(StopTest, FromATimerWhileABoxIsOpen) {
   about->setShortcut(QKeySequence("Ctrl+K"));
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window));
-  EXPECT_TRUE(endsInEventLoop([&] { QTest::keyClick(window->windowHandle(), Qt::Key_K, Qt::ControlModifier); }));
+  EXPECT_TRUE(
+      endsInEventLoop([&] { QTest::keyClick(window->windowHandle(), Qt::Key_K, Qt::ControlModifier); }));
   EXPECT_EQ(stops, 1);
   EXPECT_FALSE(QApplication::activeModalWidget());
   expectAStartWorks();

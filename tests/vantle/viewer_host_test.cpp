@@ -1,12 +1,18 @@
 // The inspector beside a host that draws its scene itself.
 
+#include <QTest>
+#include <QWindow>
+
 #include "kestrava/base/SoPreferences.h"
 #include "kestrava/io/SoDB.h"
+#include "kestrava/nodes/SoCube.h"
 #include "kestrava/nodes/SoOrthographicCamera.h"
 #include "kestrava/nodes/SoSelection.h"
+#include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/render/SoGuiRenderArea.h"
 #include "kestrava/render/SoOffscreenRenderArea.h"
 #include "tests/vantle/VantleTest.h"
+#include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
@@ -103,18 +109,96 @@ TEST_F(HostTest, PicksInItsOwnView) {
   EXPECT_GT(countMarked().second, 15);
 }
 
+bool showsNothing(SoVantleViewer* viewer) {
+  return !viewer->getScene() && viewer->getTreeView()->topLevelItemCount() == 0 &&
+         !VntServices::getInstance()->getSceneGraph() && !VntServices::getInstance()->getSelectedNode();
+}
+
 TEST_F(HostTest, MayTakeItsViewDownFirst) {
   SoVantleImpl::start(m_area);
   makeCurrent(LEFT);
   countMarked();
+  SoNode* const root = m_root;
   m_picture->setSceneManager(nullptr);
   m_picture.reset();
   m_area.reset();
   EXPECT_EQ(VntServices::getInstance()->getSceneManager(), nullptr);
   EXPECT_EQ(VntServices::getInstance()->getRenderArea(), nullptr);
+  EXPECT_TRUE(showsNothing(viewer()));
+  EXPECT_EQ(root->getRefCount(), 1);
+  SoVantleImpl::setPickAction(SbViewportRegion(100, 100), SbVec2s(75, 50));
+  EXPECT_TRUE(SoVantleImpl::isRunning());
+  SoVantleImpl::stop(true);
+}
+
+TEST_F(HostTest, MayTakeTheAreaDownThatTheSessionWasStartedOn) {
+  SoRef<SoSceneManager> const held(manager());
+  for (bool startedOnArea : {true, false}) {
+    SoRef<SoGuiRenderArea> area(new SoGuiRenderArea);
+    area->sceneManager.setValue(held);
+    if (startedOnArea) {
+      SoVantleImpl::start(area.get());
+    } else {
+      m_area->sceneManager.setValue(nullptr); // one view less to be found
+      SoVantleImpl::start(held.get(), nullptr);
+    }
+    EXPECT_EQ(VntServices::getInstance()->getRenderArea(), area.get());
+    area.reset();
+    EXPECT_EQ(VntServices::getInstance()->getRenderArea(), nullptr);
+    EXPECT_EQ(VntServices::getInstance()->getSceneManager(), held.get());
+    EXPECT_EQ(showsNothing(viewer()), startedOnArea) << "a scene manager may have another view some time";
+    SoVantleImpl::stop(true);
+  }
+}
+
+TEST_F(HostTest, MayLetGoOfItsScene) {
+  SoRef<SoSeparator> root(new SoSeparator);
+  root->addChild(new SoCube);
+  SoRef<SoNode> const child(root->getChild(0));
+  startAttached(root);
+  tree()->setCurrentItem(tree()->firstChild());
+  VntServices::getInstance()->setSelectedNode(root);
+  root.reset();
+  EXPECT_TRUE(waitFor([this] { return showsNothing(viewer()); }));
+  EXPECT_EQ(child->getRefCount(), 1) << "the root is gone";
+  EXPECT_TRUE(frame()->isVisible());
+  // One that the host never held belongs to the inspector.
+  SoVantleImpl::stop(true);
+  startAttached(new SoSeparator);
+  bool looked = false;
+  QTimer::singleShot(500, [&] { looked = true; });
+  EXPECT_TRUE(waitFor([&] { return looked; }));
+  EXPECT_TRUE(viewer()->getScene());
+}
+
+TEST_F(HostTest, MayDestroyWhatIsSelected) {
+  startAttached(m_root);
+  SoRef<SoCube> cube(new SoCube);
+  VntServices* const services = VntServices::getInstance();
+  services->setSelectedNode(cube);
+  services->setSelectedField(&cube->width);
+  int heard = 0;
+  QObject::connect(services, &VntServices::selectedNodeChanged, [&](SoFieldContainer* node) { heard += !node; });
+  QObject::connect(services, &VntServices::selectedFieldChanged, [&](SoField* field) { heard += !field; });
+  cube.reset();
+  EXPECT_EQ(services->getSelectedNode(), nullptr);
+  EXPECT_EQ(services->getSelectedField(), nullptr);
+  EXPECT_GE(heard, 2);
+}
+
+TEST_F(HostTest, MayDestroyTheWindowThatTheFrameWasMadeOver) {
+  auto host = std::make_unique<QWindow>();
+  host->resize(300, 200);
+  host->show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(host.get()));
+  SoVantleImpl::start(m_root, reinterpret_cast<void*>(host->winId()));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(frame()));
+  host.reset();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(SoVantleImpl::isRunning());
+  EXPECT_EQ(tree()->firstChild()->getNode(), m_root.get());
   makeCurrent(RIGHT);
   SoVantleImpl::stop(true);
-  EXPECT_FALSE(SoVantleImpl::isRunning());
 }
 
 } // namespace

@@ -16,10 +16,10 @@
 #include "vantle/frame/SoCommandManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/LiveInput.h"
-#include "vnt/QtText.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoVantleTreeView.h"
 #include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/QtText.h"
 
 SoVantleMainFrame::SoVantleMainFrame(QWidget* parent, char const* name) : QMainWindow(parent) {
   setObjectName(QString::fromUtf8(name));
@@ -27,7 +27,15 @@ SoVantleMainFrame::SoVantleMainFrame(QWidget* parent, char const* name) : QMainW
 
 SoVantleMainFrame::SoVantleMainFrame(unsigned long long nativeWindow, char const* name) : QMainWindow() {
   setObjectName(QString::fromUtf8(name));
-  if (nativeWindow) create(static_cast<WId>(nativeWindow), true, true);
+  if (!nativeWindow) return;
+  // Qt 6 gives a widget a window of its own, whatever it is told at its creation. So the window manager is
+  // told: this window stays above the host's, and is put away with it.
+  // Under X11 only windows of this type tell it.
+  setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                 Qt::WindowCloseButtonHint);
+  create();
+  m_hostWindow.reset(QWindow::fromWinId(static_cast<WId>(nativeWindow)));
+  windowHandle()->setTransientParent(m_hostWindow.get());
 }
 
 SoVantleMainFrame::~SoVantleMainFrame() {

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <array>
+#include <memory>
 
 class QAction;
 class QComboBox;
@@ -15,7 +16,7 @@ class SoVantleMainFrame : public QMainWindow {
   Q_OBJECT
  public:
   explicit SoVantleMainFrame(QWidget* parent = nullptr, char const* name = nullptr);
-  /// Creates the frame over a native window; 0 for an ordinary top-level window.
+  /// A window that stays above a native one of the host's, without drawing into it; 0 for an ordinary window.
   explicit SoVantleMainFrame(unsigned long long nativeWindow, char const* name = nullptr);
   ~SoVantleMainFrame() override;
 
@@ -99,6 +100,7 @@ class SoVantleMainFrame : public QMainWindow {
   QToolBar *m_bookmarkToolbar = nullptr, *m_editToolbar = nullptr, *m_fileToolbar = nullptr,
            *m_filterToolbar = nullptr, *m_searchToolbar = nullptr;
   SoVantleTreeView* m_treeview = nullptr;
+  std::unique_ptr<QWindow> m_hostWindow; // stands for the host's, which stays the host's
   unsigned m_filterMask = ALL_CATEGORIES;
   bool m_defaultLayout = false;
 };

@@ -40,6 +40,8 @@ SoFieldItem::SoFieldItem(SoVantleList* list, SoFieldItem const* other)
 }
 
 void SoFieldItem::watch() {
+  // The base class counts columns by what it has been given.
+  setText(SoVantleList::FIELD_VALUE_COLUMN, QString());
   m_sensor.attach(m_field);
   m_sensor.setDeleteCallback(&SoFieldItem::fieldDiesCB, this);
   m_list->m_rows.insert(m_field, this);

@@ -1,11 +1,11 @@
 #include "vantle/session/VantleEventWatch.h"
 
+#include <unwind.h>
 #include <QAction>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QMenu>
 #include <QThread>
-#include <unwind.h>
 
 #include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/session/SoVantleImpl.h"
@@ -31,7 +31,8 @@ constexpr int DELIVERER = 4;
 constexpr int MAX_MENU_DEPTH = 8; // submenus are followed no further
 
 /// True when the calls on the stack did not come by Qt's event delivery. Qt deletes what was given to
-/// deleteLater() there in the next event of any kind, and otherwise only at a lower level than it was given at.
+/// deleteLater() there in the next event of any kind, and otherwise only at a lower level than it was given
+/// at.
 bool isOutsideOfEvents() {
   struct Inside : QObject {
     bool event(QEvent*) override {
@@ -115,8 +116,7 @@ VantleEventWatch::~VantleEventWatch() {
 }
 
 bool VantleEventWatch::isInspectors(QObject const* object) {
-  return VntShellImpl::isInstance() &&
-         isBelow(object, VntShellImpl::getImplInstance()->getMainFrame(), 0);
+  return VntShellImpl::isInstance() && isBelow(object, VntShellImpl::getImplInstance()->getMainFrame(), 0);
 }
 
 bool VantleEventWatch::isDelivering() {
@@ -138,7 +138,8 @@ void VantleEventWatch::delivered() {
   if (!m_isWaitedFor) return;
   // Who asks is in the middle of something.
   if (m_isAsking)
-    QMetaObject::invokeMethod(this, [this] { delivered(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { delivered(); }, Qt::QueuedConnection);
   else
     SoVantleImpl::eventDelivered();
 }

@@ -8,8 +8,8 @@
 ///
 /// It watches the events of the application and leaves, at the first one for the inspector, a probe for Qt to
 /// delete later. Qt does that when control is back in the event loop that delivered the event, not in one
-/// nested in it: a probe that lives says that the event may still be on its way. Afterwards a stop that waited
-/// is carried out.
+/// nested in it: a probe that lives says that the event may still be on its way. Afterwards a stop that
+/// waited is carried out.
 class VantleEventWatch : public QObject {
  public:
   /// There is a Qt application.
@@ -36,8 +36,8 @@ class VantleEventWatch : public QObject {
   void leaveProbe();
   void delivered();
   QPointer<QObject> m_probe;
-  int m_loopLevel = 0;  // when it was left
-  Frame m_deliverer{};  // who delivers the event
+  int m_loopLevel = 0; // when it was left
+  Frame m_deliverer{}; // who delivers the event
   bool m_isAsking = false;
   bool m_isWaitedFor = false; // there is something to be called
 };

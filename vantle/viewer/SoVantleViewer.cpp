@@ -168,9 +168,9 @@ void SoVantleViewer::areaIsGone(void* data, SoSensor*) {
   auto* const viewer = static_cast<SoVantleViewer*>(data);
   VntServicesImpl* const services =
       VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance() : nullptr;
-  if (services) services->setRenderArea(nullptr);
   // The view that was found for a scene manager is not what the session was started on.
   bool const isViewOnly = services && services->getSceneManager() && !services->isRenderAreaGiven();
+  if (services) services->setRenderArea(nullptr);
   if (isViewOnly || !viewer->m_isHostsScene) return;
   viewer->m_hostIsGone = true;
   viewer->lookAfterHost();
