@@ -178,7 +178,7 @@ void ColorEditor::buildRow(Part part, QString const& name, QString const& tip) {
   row.label = new QLabel(name, this);
   row.slider = new VntColorSlider(this);
   row.slider->setObjectName(QLatin1String(NAMES[part]) + QLatin1String("Slider"));
-  row.number = new VntNumberEdit(part < HUE ? VntNumberEdit::SINGLE : VntNumberEdit::DOUBLE, this);
+  row.number = new VntNumberEdit(VntNumberEdit::SINGLE, this);
   row.number->setObjectName(QLatin1String(NAMES[part]));
   row.number->setStep(part == HUE ? 1 : 0.01);
   row.number->setDragLabel(row.label);
@@ -238,7 +238,10 @@ void ColorEditor::showValue() {
   for (int part = RED; part < PARTS; ++part) {
     Row& row = m_rows[static_cast<std::size_t>(part)];
     double const value = part < HUE ? color[part] : m_hsv[static_cast<std::size_t>(part - HUE)];
-    row.number->setValue(value);
+    // What converting adds in the last digits is nothing that a user wants to read.
+    double const digits = part == HUE ? 1e4 : 1e6;
+    bool const isRounded = part == HUE || part == SATURATION;
+    row.number->setValue(isRounded ? std::round(value * digits) / digits : value);
     row.slider->setPart(value / row.scale);
   }
   if (!m_text->isModified()) m_text->setText(toQColor(color).name());
@@ -351,7 +354,11 @@ void ColorEditor::openDialog() {
     // A colour that a screen cannot show stays until another one is chosen.
     if (edit()->getField() && (color != start || edit()->isPreviewing())) preview(toColor(color));
   });
-  connect(m_dialog, &QDialog::accepted, this, [this] { edit()->finish(); });
+  connect(m_dialog, &QColorDialog::colorSelected, this, [this, start](QColor const& color) {
+    // Escape in the editor may have taken the preview back while the dialog stayed.
+    if (!edit()->isPreviewing() && color != start && edit()->getField()) preview(toColor(color));
+    edit()->finish();
+  });
   connect(m_dialog, &QDialog::rejected, this, [this] {
     edit()->cancel();
     refresh();

@@ -9,19 +9,27 @@
 #include <cmath>
 #include <limits>
 
+#include "extender_base/VntExpression.h"
+
 namespace {
 
-constexpr int NARROWEST_CELL = 76; // pixels; narrower ones do not show the digits that matter
+constexpr int NARROWEST_CELL = 68; // pixels; narrower ones do not show the digits that matter
 
-/// The numbers of a list as programs write it, "1 2 3", "(1, 2, 3)" or with line breaks; none when anything
-/// else is in between.
+QRegularExpression const& separators() {
+  static QRegularExpression const expression("[\\s,;\\[\\]{}]+");
+  return expression;
+}
+
+/// The numbers of a list as programs write it, "1 2 3", "(1, 2, 3)" or with line breaks, each an expression;
+/// none when anything else is in between.
 std::vector<double> readNumbers(QString const& text) {
-  static QRegularExpression const separators("[\\s,;()\\[\\]{}]+");
+  QString list = text.trimmed();
+  if (list.startsWith('(') && list.endsWith(')')) list = list.mid(1, list.size() - 2);
   std::vector<double> numbers;
-  for (QString const& part : text.split(separators, Qt::SkipEmptyParts)) {
-    bool isNumber = false;
-    numbers.push_back(part.toDouble(&isNumber));
-    if (!isNumber) return {};
+  for (QString const& part : list.split(separators(), Qt::SkipEmptyParts)) {
+    VntExpression::Result const number = VntExpression::evaluate(part);
+    if (!number) return {};
+    numbers.push_back(number.value);
   }
   return numbers;
 }
@@ -32,8 +40,9 @@ VntComponentsEdit::VntComponentsEdit(VntNumberEdit::Kind kind, std::vector<VntCo
                                      int columns, QWidget* parent)
     : VntPartEdit(parent),
       m_isInteger(kind == VntNumberEdit::INTEGER),
-      m_lowest(-std::numeric_limits<double>::infinity()),
-      m_highest(std::numeric_limits<double>::infinity()),
+      m_lowest(kind == VntNumberEdit::SINGLE ? std::numeric_limits<float>::lowest()
+                                             : std::numeric_limits<double>::lowest()),
+      m_highest(-m_lowest),
       m_columns(columns),
       m_values(components.size()),
       m_grid(new QGridLayout(this)) {
@@ -138,8 +147,9 @@ QSize VntComponentsEdit::minimumSizeHint() const {
 void VntComponentsEdit::resizeEvent(QResizeEvent* event) {
   VntPartEdit::resizeEvent(event);
   int columns = m_columns;
-  int const cell = NARROWEST_CELL + m_grid->horizontalSpacing();
-  while (m_foldable && columns > 1 && (m_columns % columns != 0 || columns * cell > width())) --columns;
+  int const spacing = m_grid->horizontalSpacing(), cell = NARROWEST_CELL + spacing;
+  while (m_foldable && columns > 1 && (m_columns % columns != 0 || columns * cell - spacing > width()))
+    --columns;
   arrange(columns);
 }
 
@@ -158,6 +168,8 @@ bool VntComponentsEdit::eventFilter(QObject* watched, QEvent* event) {
 
 void VntComponentsEdit::takePasted(int index) {
   QString const shown = m_lines[static_cast<std::size_t>(index)]->text().simplified();
+  // Asking another program for the clipboard may take its time: not for each key of a single number.
+  if (!shown.contains(separators())) return;
   for (auto mode : {QClipboard::Clipboard, QClipboard::Selection}) {
     if (mode == QClipboard::Selection && !QApplication::clipboard()->supportsSelection()) continue;
     QString const pasted = QApplication::clipboard()->text(mode).simplified();
@@ -171,14 +183,11 @@ bool VntComponentsEdit::takeNumbers(int index, QString const& text) {
   bool const isAll = numbers.size() == m_lines.size();
   if (numbers.size() < 2 || (!isAll && static_cast<int>(numbers.size()) != m_columns)) return false;
   for (double number : numbers) {
-    bool const fits =
-        !m_isInteger || (number == std::floor(number) && number >= m_lowest && number <= m_highest);
-    if (fits) continue;
-    Q_EMIT rejected(number == std::floor(number) ? tr("%1 is not between %2 and %3.")
-                                                       .arg(number)
-                                                       .arg(m_lowest, 0, 'f', 0)
-                                                       .arg(m_highest, 0, 'f', 0)
-                                                 : tr("%1 is no integer.").arg(number));
+    bool const isInRange = number >= m_lowest && number <= m_highest;
+    bool const isWhole = number == std::floor(number);
+    if (m_isInteger ? isInRange && isWhole : isInRange || !std::isfinite(number)) continue;
+    Q_EMIT rejected(isInRange ? tr("Only whole numbers fit here; one of these is %1.").arg(number)
+                              : tr("%1 is out of range: %2 to %3.").arg(number).arg(m_lowest).arg(m_highest));
     return true;
   }
   std::size_t const first = isAll ? 0 : static_cast<std::size_t>(index / m_columns * m_columns);

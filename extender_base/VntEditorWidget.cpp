@@ -77,6 +77,16 @@ void VntEditorWidget::escape() {
   refresh();
 }
 
+bool VntEditorWidget::event(QEvent* event) {
+  // Before a shortcut of the window or the host takes the key.
+  if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
+      (m_typing || m_edit->isPreviewing())) {
+    event->accept();
+    return true;
+  }
+  return QWidget::event(event);
+}
+
 void VntEditorWidget::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && (m_typing || m_edit->isPreviewing())) {
     escape();

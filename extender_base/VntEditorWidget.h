@@ -20,6 +20,9 @@ class VntEditorWidget : public QWidget {
   void refresh();
   /// Drops what is typed or dragged and not entered yet; the panel's, before it takes another field.
   void giveUp();
+  /// The line that says "changed to ...", for a panel to show it where it is in sight. It comes back before
+  /// the editor goes.
+  QLabel* getNote() const { return m_note; }
 
  protected:
   /// Puts the field's value into the widgets, whose signals are not to answer with an edit. The field is
@@ -39,6 +42,7 @@ class VntEditorWidget : public QWidget {
   void watchTyping(QLineEdit* line);
   /// Drops what is being typed, or gives up a drag.
   virtual void escape();
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;
 

@@ -26,8 +26,8 @@ class VntExpression {
     double value;
   };
 
-  /// `degree` is what "deg" stands for; "rad" is pi/180th of its inverse. Trigonometric functions count in
-  /// radians at all times.
+  /// `degree` is what "deg" and "°" stand for, 1 where numbers are angles in degrees; "rad" stands for as
+  /// many as a radian has. Trigonometric functions count in radians at all times.
   static Result evaluate(QString const& text, double degree = std::numbers::pi / 180,
                          std::span<Variable const> variables = {});
 };

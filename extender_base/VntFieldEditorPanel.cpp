@@ -11,6 +11,7 @@
 #include <QScrollArea>
 #include <QStyle>
 #include <QToolTip>
+#include <utility>
 
 #include "extender_base/VntEditorWidget.h"
 #include "vnt/QtText.h"
@@ -85,10 +86,6 @@ VntFieldEditorPanel::VntFieldEditorPanel(QWidget* parent)
   m_area->setWidgetResizable(true);
   m_area->setFrameShape(QFrame::NoFrame);
   m_area->setFocusPolicy(Qt::NoFocus);
-  // From the value on to the state: what is used most comes first.
-  setTabOrder(m_area, m_ignored);
-  setTabOrder(m_ignored, m_disconnect);
-  setTabOrder(m_disconnect, m_reset);
   clear();
 }
 
@@ -162,7 +159,10 @@ bool VntFieldEditorPanel::eventFilter(QObject* watched, QEvent* event) {
 void VntFieldEditorPanel::clear() {
   if (m_editor) {
     // What was half typed or dragged belongs to the field that is left. Losing the focus would enter it.
-    if (auto* const editor = qobject_cast<VntEditorWidget*>(m_editor)) editor->giveUp();
+    if (auto* const editor = qobject_cast<VntEditorWidget*>(m_editor)) {
+      editor->giveUp();
+      editor->getNote()->setParent(editor);
+    }
     // It may be in the middle of its own event: the field goes while a button in it is still pressed. The
     // panel stays its parent: whoever ends the session at once takes it along.
     QWidget* const editor = m_area->takeWidget();
@@ -198,12 +198,34 @@ void VntFieldEditorPanel::setField(SoField* field, QList<VntFieldEditor*> const&
   }
   if (m_editor) {
     m_area->setWidget(m_editor);
-    for (QWidget* widget : m_editor->findChildren<QWidget*>()) widget->installEventFilter(this);
+    if (auto* const editor = qobject_cast<VntEditorWidget*>(m_editor)) {
+      auto* const lines = static_cast<QVBoxLayout*>(layout());
+      lines->insertWidget(lines->indexOf(m_problem), editor->getNote());
+    }
+    // Widgets of the editor's own know better what they can undo.
+    for (QWidget* widget : m_editor->findChildren<QWidget*>()) {
+      QMetaObject const* const type = widget->metaObject();
+      if (type == &QLineEdit::staticMetaObject || type == &QPlainTextEdit::staticMetaObject)
+        widget->installEventFilter(this);
+    }
   }
+  orderTabs();
   m_title->setText(
       toQString((field->getContainer() ? field->getName() : field->getTypeId().getName()).getString()));
   m_state->show();
   showState();
+}
+
+/// A new widget is the last of the window; the editor's are to follow those above it.
+void VntFieldEditorPanel::orderTabs() {
+  if (!m_editor) return;
+  QList<QWidget*> stops;
+  for (QWidget* next = m_editor->nextInFocusChain(); next != m_editor; next = next->nextInFocusChain()) {
+    if (m_editor->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) && !next->focusProxy())
+      stops << next;
+  }
+  QWidget* last = m_reset;
+  for (QWidget* stop : stops) setTabOrder(std::exchange(last, stop), stop);
 }
 
 void VntFieldEditorPanel::showState() {

@@ -37,6 +37,7 @@ class VntFieldEditorPanel : public QWidget {
  private:
   void buildHeader();
   void clear();
+  void orderTabs();
   void showState();
   void showProblem(QString const& problem);
   void colorProblem();

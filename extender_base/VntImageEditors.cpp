@@ -188,7 +188,7 @@ QToolButton* ImageEditor::makeButton(char const* name, QString const& text, QStr
 }
 
 void ImageEditor::resizeEvent(QResizeEvent* event) {
-  constexpr int WIDE = 400;
+  constexpr int WIDE = 320;
   m_halves->setDirection(event->size().width() >= WIDE ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   VntEditorWidget::resizeEvent(event);
 }

@@ -76,6 +76,7 @@ void VntImagePreview::paintEvent(QPaintEvent*) {
   } else {
     QRect target(QPoint(0, 0), m_drawn.deviceIndependentSize().toSize());
     target.moveCenter(inside.center());
+    target.moveTop(inside.top());
     painter.setOpacity(isEnabled() ? 1 : 0.5);
     painter.drawPixmap(target.topLeft(), m_drawn);
   }

@@ -3,7 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QTabWidget>
+#include <QTabBar>
 #include <algorithm>
 #include <cmath>
 
@@ -40,13 +40,24 @@ SbVec3f withoutNoise(SbVec3f const& factors) {
 } // namespace
 
 VntMatrixEditor::VntMatrixEditor(VntFieldEdit* edit, QWidget* parent) : VntPartsEditor(edit, parent) {
-  auto* const pages = new QTabWidget(this);
+  // Not a tab widget: that is always as high as its highest page.
+  auto* const pages = new QTabBar(this);
   pages->setObjectName("pages");
-  pages->addTab(buildGrid(), tr("Grid"));
-  pages->addTab(buildParts(), tr("Parts"));
+  pages->setExpanding(false);
+  pages->addTab(tr("Grid"));
+  pages->addTab(tr("Parts"));
   pages->setTabToolTip(0, tr("The 16 numbers; points are row vectors, so the last row is the translation"));
   pages->setTabToolTip(1, tr("Translation, rotation and scale"));
   content()->addWidget(pages);
+  QWidget* const grid = buildGrid();
+  QWidget* const parts = buildParts();
+  content()->addWidget(grid);
+  content()->addWidget(parts);
+  parts->hide();
+  connect(pages, &QTabBar::currentChanged, this, [grid, parts](int page) {
+    (page == 0 ? parts : grid)->hide();
+    (page == 0 ? grid : parts)->show();
+  });
   content()->addLayout(buildButtons());
   setFocusProxy(m_grid);
 }
@@ -62,9 +73,8 @@ QWidget* VntMatrixEditor::buildGrid() {
   m_grid = new VntComponentsEdit(VntNumberEdit::SINGLE, components, 4, page);
   m_grid->setFoldable(false);
   auto* const layout = new QVBoxLayout(page);
-  layout->setContentsMargins(6, 6, 6, 6);
+  layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(m_grid);
-  layout->addStretch();
   watch(m_grid, [this](bool isDrag) {
     SbMatrix matrix;
     std::copy_n(m_grid->getValues().begin(), 16, matrix[0]);
@@ -93,16 +103,15 @@ QWidget* VntMatrixEditor::buildParts() {
   m_scaleOrientation->setObjectName("scaleOrientation");
   m_scaleOrientation->setToolTip(tr("Turns the axes along which is scaled"));
   m_scale->setVec(SbVec3f(1, 1, 1));
-  m_form = new VntFoldingForm(m_parts);
+  m_form = new VntFoldingForm(520, m_parts);
   m_form->addRow(tr("Translation"), m_translation);
   m_form->addRow(tr("Rotation"), m_rotation);
   m_form->addRow(tr("Scale"), m_scale);
   m_form->addRow(tr("Scale axes"), m_scaleOrientation);
   auto* const layout = new QVBoxLayout(page);
-  layout->setContentsMargins(6, 6, 6, 6);
+  layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(m_reason);
   layout->addWidget(m_parts);
-  layout->addStretch();
   for (VntPartEdit* part :
        {static_cast<VntPartEdit*>(m_translation), static_cast<VntPartEdit*>(m_rotation),
         static_cast<VntPartEdit*>(m_scale), static_cast<VntPartEdit*>(m_scaleOrientation)}) {

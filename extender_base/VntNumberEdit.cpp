@@ -262,46 +262,50 @@ void VntNumberEdit::dragBy(double pixels, Qt::KeyboardModifiers modifiers) {
 }
 
 bool VntNumberEdit::eventFilter(QObject* watched, QEvent* event) {
-  bool const isGrip = watched == m_handle || watched == m_dragLabel;
-  if (!isGrip || !isEnabled() || isReadOnly()) return QLineEdit::eventFilter(watched, event);
-  auto const* const mouse = static_cast<QMouseEvent*>(event);
-  switch (event->type()) {
+  bool const isGrip = (watched == m_handle || watched == m_dragLabel) && isEnabled() && !isReadOnly();
+  switch (isGrip ? event->type() : QEvent::None) {
     case QEvent::MouseButtonPress:
-      if (mouse->button() != Qt::LeftButton) return QLineEdit::eventFilter(watched, event);
-      setFocus(Qt::MouseFocusReason); // for Escape
-      begin(PRESSED);
-      m_lastX = mouse->globalPosition().x();
-      return true;
-    case QEvent::MouseMove: {
-      if (m_motion != PRESSED && m_motion != DRAGGING) return false;
-      double const moved = mouse->globalPosition().x() - m_lastX;
-      // A hand that only clicks shakes a little.
-      if (m_motion == PRESSED && std::abs(moved) < 3) return true;
-      m_motion = DRAGGING;
-      m_lastX += moved;
-      dragBy(moved, mouse->modifiers());
-      return true;
-    }
-    case QEvent::MouseButtonRelease:
-      if (m_motion == PRESSED || m_motion == DRAGGING) endMotion(true);
-      return true;
     case QEvent::MouseButtonDblClick:
-      return true;
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+      return takeGripEvent(*static_cast<QMouseEvent*>(event));
     default:
       return QLineEdit::eventFilter(watched, event);
   }
 }
 
+bool VntNumberEdit::takeGripEvent(QMouseEvent const& event) {
+  double const x = event.globalPosition().x();
+  bool const isHeld = m_motion == PRESSED || m_motion == DRAGGING;
+  if (event.type() == QEvent::MouseMove && isHeld) {
+    double const moved = x - m_lastX;
+    // A hand that only clicks shakes a little.
+    if (m_motion == PRESSED && std::abs(moved) < 3) return true;
+    m_motion = DRAGGING;
+    m_lastX = x;
+    dragBy(moved, event.modifiers());
+  } else if (event.button() != Qt::LeftButton) {
+    return false;
+  } else if (event.type() == QEvent::MouseButtonPress) {
+    setFocus(Qt::MouseFocusReason); // for Escape
+    begin(PRESSED);
+    m_lastX = x;
+  } else if (event.type() == QEvent::MouseButtonRelease && isHeld) {
+    endMotion(true);
+  }
+  return true;
+}
+
 bool VntNumberEdit::event(QEvent* event) {
   if (event->type() == QEvent::ShortcutOverride) {
     auto* const key = static_cast<QKeyEvent*>(event);
-    if (key->key() == Qt::Key_Escape && (m_typing || isDragging())) {
+    bool const isUndo = key->matches(QKeySequence::Undo);
+    if ((key->key() == Qt::Key_Escape && (m_typing || isDragging())) || (isUndo && isDragging())) {
       event->accept();
       return true;
     }
     // There is no typing to undo: the key means the last edit.
-    if (!m_typing && (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo))) {
-      endMotion(true);
+    if (!m_typing && (isUndo || key->matches(QKeySequence::Redo))) {
       event->ignore();
       return false;
     }
@@ -312,6 +316,7 @@ bool VntNumberEdit::event(QEvent* event) {
 }
 
 void VntNumberEdit::keyPressEvent(QKeyEvent* event) {
+  if (isDragging() && event->matches(QKeySequence::Undo)) return endMotion(false);
   switch (event->key()) {
     case Qt::Key_Up:
       return step(1, event->modifiers());

@@ -71,6 +71,7 @@ class VntNumberEdit : public QLineEdit {
   QString refusal(double value, bool isFinite) const;
   void reject(QString const& reason);
   void step(double steps, Qt::KeyboardModifiers modifiers);
+  bool takeGripEvent(QMouseEvent const& event);
   void dragBy(double pixels, Qt::KeyboardModifiers modifiers);
   void begin(Motion motion);
   void preview(double value);
@@ -94,7 +95,7 @@ class VntNumberEdit : public QLineEdit {
 
   QWidget* m_handle;
   bool m_handleShown = true;
-  QPointer<QLabel> m_dragLabel;
+  QPointer<QWidget> m_dragLabel; // a QLabel, also asked for while that is being destroyed
   Motion m_motion = NONE;
   double m_before = 0;     // the motion
   double m_motionStep = 1; // the step when it began, so that ten up and ten down are none

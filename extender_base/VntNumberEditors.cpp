@@ -73,6 +73,11 @@ class NumberEditor : public VntEditorWidget {
   void escape() override;
   void fitSlider(double number);
   void showReadout(double number);
+  bool isAngle() const { return m_habit && m_habit->isAngle; }
+  QString limitText(double limit) const {
+    return isAngle() ? tr("%1°").arg(limit * 180 / std::numbers::pi)
+                     : QString::number(limit, 'g', isInteger() ? 10 : 3);
+  }
   bool isInteger() const { return m_kind == VntNumberEdit::INTEGER; }
 
   VntNumberEdit::Kind m_kind;
@@ -112,7 +117,7 @@ NumberEditor::NumberEditor(VntFieldEdit* edit, VntNumberEdit::Kind kind, QWidget
   setFocusProxy(m_line);
   m_slider->setLimits(0, 0);
   if (m_habit) m_slider->setLimits(m_habit->lowest, m_habit->highest, isInteger());
-  if (m_habit && m_habit->isAngle) m_line->setStep(std::numbers::pi / 180);
+  if (isAngle()) m_line->setStep(std::numbers::pi / 180);
   connectParts();
 }
 
@@ -151,14 +156,14 @@ void NumberEditor::fitSlider(double number) {
     double const lowest = number < 0 || (number == 0 && m_slider->getLowest() < 0) ? -limit : 0;
     m_slider->setLimits(std::max(lowest, m_lowest), std::min(limit, m_highest), isInteger());
   }
-  m_from->setText(QString::number(m_slider->getLowest(), 'g', 3));
-  m_to->setText(QString::number(m_slider->getHighest(), 'g', isInteger() ? 10 : 3));
+  m_from->setText(limitText(m_slider->getLowest()));
+  m_to->setText(limitText(m_slider->getHighest()));
   m_slider->setNumber(number);
 }
 
 void NumberEditor::showReadout(double number) {
   QString text;
-  if (m_habit && m_habit->isAngle && std::isfinite(number))
+  if (isAngle() && std::isfinite(number))
     text = tr("= %1°").arg(number * 180 / std::numbers::pi, 0, 'g', 5);
   else if (isInteger() && m_lowest == 0)
     text = QStringLiteral("= 0x") + QString::number(static_cast<qulonglong>(number), 16);

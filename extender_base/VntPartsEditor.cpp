@@ -1,10 +1,12 @@
 #include "extender_base/VntPartsEditor.h"
 
+#include <QVBoxLayout>
 #include <algorithm>
 
 #include "extender_base/VntPartEdit.h"
 
 VntPartsEditor::VntPartsEditor(VntFieldEdit* edit, QWidget* parent) : VntEditorWidget(edit, parent) {
+  static_cast<QVBoxLayout*>(layout())->addStretch(1); // all is as low as it can be, and the note right below
   connect(edit, &VntFieldEdit::changed, this, [this] {
     if (isTyping()) updateOthers();
   });

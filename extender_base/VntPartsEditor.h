@@ -8,9 +8,9 @@
 
 class VntPartEdit;
 
-/// Base of the editors whose value is entered in parts. What is typed into one stays while the program changes
-/// the field, and the others follow; entering it changes nothing else. After a value was refused all stay as
-/// they are, until it is mended or Escape drops it.
+/// Base of the editors whose value is entered in parts. What is typed into one stays while the program
+/// changes the field, and the others follow; entering it changes nothing else. After a value was refused all
+/// stay as they are, until it is mended or Escape drops it.
 class VntPartsEditor : public VntEditorWidget {
  protected:
   VntPartsEditor(VntFieldEdit* edit, QWidget* parent);

@@ -17,7 +17,7 @@ VntPlaneEditor::VntPlaneEditor(VntFieldEdit* edit, QWidget* parent)
                                        {{"distance", {}, tr("From the origin, along the normal")}}, 1, this)),
       m_equation(new VntEquationEdit(this)),
       m_note(new QLabel(this)) {
-  auto* const form = new VntFoldingForm;
+  auto* const form = new VntFoldingForm(330);
   form->addRow(tr("Normal"), m_normal);
   form->addRow(tr("Distance"), m_distance);
   form->addRow(tr("Equation"), m_equation);

@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -12,6 +13,9 @@
 #include "kestrava/base/SbVec3f.h"
 
 namespace {
+
+constexpr int NARROWEST_FORM = 285; // pixels, with the labels beside the rows
+constexpr int SMALLEST_BALL = 86, LARGEST_BALL = 116, BALL_ABOVE = 140;
 
 constexpr double DEGREE = std::numbers::pi / 180;
 
@@ -37,12 +41,6 @@ std::vector<VntComponent> xyz(QString const& prefix, QString const& tip) {
           {prefix + "Z", "z", tip.arg("z")}};
 }
 
-QHBoxLayout* flatRow(QWidget* row) {
-  auto* const layout = new QHBoxLayout(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  return layout;
-}
-
 } // namespace
 
 VntRotationEdit::VntRotationEdit(Forms forms, QWidget* parent)
@@ -56,14 +54,15 @@ VntRotationEdit::VntRotationEdit(Forms forms, QWidget* parent)
       return true;
     });
   }
-  m_layout->addWidget(buildForm(forms), 1, Qt::AlignTop);
+  m_form = buildForm(forms);
+  m_layout->addWidget(m_form, 1, Qt::AlignTop);
   setFocusProxy(m_axisEdit);
   showParts();
 }
 
 QWidget* VntRotationEdit::buildForm(Forms forms) {
   auto* const page = new QWidget(this);
-  auto* const form = new VntFoldingForm(page);
+  auto* const form = new VntFoldingForm(NARROWEST_FORM - 20, page);
   m_axisEdit = new VntComponentsEdit(VntNumberEdit::SINGLE,
                                      xyz("axis", tr("%1 of the axis; its length does not count")), 3, page);
   m_axisEdit->setStep(0.1);
@@ -73,9 +72,8 @@ QWidget* VntRotationEdit::buildForm(Forms forms) {
   buildAngle(angle);
   form->addRow(tr("Angle"), angle);
   if (forms == ALL) {
-    auto* const euler = new QWidget(page);
-    buildEuler(euler);
-    form->addRow(tr("Euler"), euler);
+    buildEuler(page);
+    form->addRow(m_order, m_eulerEdit);
   }
   return page;
 }
@@ -91,7 +89,8 @@ void VntRotationEdit::buildAngle(QWidget* row) {
   m_identity = new QPushButton(tr("Identity"), row);
   m_identity->setObjectName("identity");
   m_identity->setToolTip(tr("No turn at all"));
-  QHBoxLayout* const layout = flatRow(row);
+  auto* const layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(m_angleEdit, 1);
   layout->addWidget(m_unit);
   layout->addWidget(m_identity);
@@ -100,18 +99,15 @@ void VntRotationEdit::buildAngle(QWidget* row) {
   connect(m_identity, &QPushButton::clicked, this, &VntRotationEdit::makeIdentity);
 }
 
-void VntRotationEdit::buildEuler(QWidget* row) {
-  m_order = new QComboBox(row);
+void VntRotationEdit::buildEuler(QWidget* page) {
+  m_order = new QComboBox(page);
   m_order->setObjectName("eulerOrder");
   for (char const* order : VntEulerAngles::ORDERS) m_order->addItem(QLatin1String(order));
   m_order->setToolTip(
-      tr("The order of the turns about the three axes, which stay where they are.\n"
+      tr("Euler angles: the order of the turns about the three axes, which stay where they are.\n"
          "Read backwards it is that about axes which turn along."));
   m_eulerEdit =
-      new VntComponentsEdit(VntNumberEdit::SINGLE, xyz("euler", tr("The turn about the %1 axis")), 3, row);
-  QHBoxLayout* const layout = flatRow(row);
-  layout->addWidget(m_order);
-  layout->addWidget(m_eulerEdit, 1);
+      new VntComponentsEdit(VntNumberEdit::SINGLE, xyz("euler", tr("The turn about the %1 axis")), 3, page);
   pass(m_eulerEdit, [this] {
     int const changed = m_eulerEdit->getChangedIndex();
     for (std::size_t i = 0; i < 3; ++i) {
@@ -233,8 +229,21 @@ bool VntRotationEdit::hasTypedText() const {
   return m_axisEdit->isPending() || m_angleEdit->isPending() || (m_eulerEdit && m_eulerEdit->isPending());
 }
 
+QSize VntRotationEdit::minimumSizeHint() const {
+  // Whatever is beside the ball now can be below it.
+  QSize const form = m_form->minimumSizeHint();
+  return QSize(std::max(form.width(), m_ball ? SMALLEST_BALL : 0), VntPartEdit::minimumSizeHint().height());
+}
+
 void VntRotationEdit::resizeEvent(QResizeEvent* event) {
-  constexpr int ENOUGH = 420; // pixels for ball and form side by side
-  m_layout->setDirection(width() < ENOUGH ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
   VntPartEdit::resizeEvent(event);
+  if (!m_ball) return;
+  int const beside = width() - NARROWEST_FORM - m_layout->spacing();
+  m_layout->setDirection(beside < SMALLEST_BALL ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+  // Less width must never make all lower: a scroll bar that comes and takes width would at once not be
+  // needed.
+  if (beside < SMALLEST_BALL)
+    m_ball->setFixedSize(BALL_ABOVE, BALL_ABOVE);
+  else
+    m_ball->setFixedSize(std::min(beside, LARGEST_BALL), LARGEST_BALL);
 }

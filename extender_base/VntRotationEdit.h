@@ -25,6 +25,7 @@ class VntRotationEdit : public VntPartEdit {
   bool wasTurned() const { return m_turned; }
   bool isRefused() const override;
   void revert() override;
+  QSize minimumSizeHint() const override;
 
  protected:
   bool hasTypedText() const override;
@@ -32,7 +33,7 @@ class VntRotationEdit : public VntPartEdit {
 
  private:
   void buildAngle(QWidget* row);
-  void buildEuler(QWidget* row);
+  void buildEuler(QWidget* page);
   QWidget* buildForm(Forms forms);
   /// Passes on what the user does in a part, with `take` to make it this rotation; false: refused.
   template <class Take> void pass(VntPartEdit* part, Take take);
@@ -50,7 +51,8 @@ class VntRotationEdit : public VntPartEdit {
   bool m_turned = false;
 
   QBoxLayout* m_layout;
-  VntTrackball* m_ball = nullptr; // the last four are null where only axis and angle are shown
+  QWidget* m_form = nullptr;
+  VntTrackball* m_ball = nullptr; // with the Euler angles null where only axis and angle are shown
   VntComponentsEdit* m_axisEdit = nullptr;
   VntComponentsEdit* m_angleEdit = nullptr;
   QComboBox* m_unit = nullptr;

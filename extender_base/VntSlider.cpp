@@ -99,11 +99,10 @@ void VntSlider::mouseReleaseEvent(QMouseEvent* event) {
 bool VntSlider::event(QEvent* event) {
   if (event->type() == QEvent::ShortcutOverride) {
     auto* const key = static_cast<QKeyEvent*>(event);
-    if (key->key() == Qt::Key_Escape && m_motion != NONE) {
+    if (m_motion != NONE && (key->key() == Qt::Key_Escape || key->matches(QKeySequence::Undo))) {
       event->accept();
       return true;
     }
-    if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) endMotion(true);
   } else if (event->type() == QEvent::EnabledChange && !isEnabled()) {
     endMotion(true);
   }
@@ -123,7 +122,8 @@ void VntSlider::step(std::function<void()> const& move) {
 }
 
 void VntSlider::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape && m_motion != NONE) return endMotion(false);
+  bool const goesBack = event->key() == Qt::Key_Escape || event->matches(QKeySequence::Undo);
+  if (goesBack && m_motion != NONE) return endMotion(false);
   if (m_motion == DRAGGING) return;
   step([this, event] { QSlider::keyPressEvent(event); });
 }

@@ -55,7 +55,7 @@ QColor VntTableChart::lineColor(int column) const {
   constexpr int HUES[] = {0, 120, 220};
   bool const isDark = palette().color(QPalette::Base).lightness() < 128;
   if (m_edits.getAccess().getNumNumbers() == 1) return palette().color(QPalette::Text);
-  if (column < 3) return QColor::fromHsv(HUES[column], isDark ? 150 : 230, isDark ? 255 : 190);
+  if (column < 3) return QColor::fromHsv(HUES[column], isDark ? 150 : 230, isDark ? 255 : 165);
   if (m_edits.getAccess().getNumNumbers() == 4) return palette().color(QPalette::Text);
   return QColor::fromHsv(column * 53 % 360, isDark ? 120 : 200, isDark ? 230 : 170);
 }
@@ -143,8 +143,10 @@ void VntTableChart::paintEvent(QPaintEvent*) {
                              -std::numeric_limits<double>::infinity()};
   for (VntTableScan::Range const& column : result.columns) all.add(column);
   painter.setRenderHint(QPainter::Antialiasing, result.numGroups < width() / 2);
+  painter.setOpacity(0.8); // a component that fills the chart still shows those behind it
   for (int column = 0; column < static_cast<int>(result.columns.size()); ++column)
     drawColumn(painter, column, all);
+  painter.setOpacity(1);
   drawLegend(painter);
 }
 

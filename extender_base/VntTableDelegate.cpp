@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <utility>
 
 #include "extender_base/VntNumberEdit.h"
 #include "extender_base/VntTableEdits.h"
@@ -114,7 +115,7 @@ bool VntTableDelegate::keyPressed(QWidget* line, int key) {
       QPersistentModelIndex const cell = m_cell;
       if (!commit()) return true;
       bool const goesDown = key == Qt::Key_Return || key == Qt::Key_Enter;
-      Q_EMIT closeEditor(line, goesDown ? NoHint : key == Qt::Key_Tab ? EditNextItem : EditPreviousItem);
+      close(goesDown ? NoHint : key == Qt::Key_Tab ? EditNextItem : EditPreviousItem);
       if (goesDown) Q_EMIT entered(cell);
       return true;
     }
@@ -132,7 +133,15 @@ void VntTableDelegate::drop() {
   if (auto* number = qobject_cast<VntNumberEdit*>(line)) number->revert();
   if (auto* text = qobject_cast<QLineEdit*>(line)) text->setModified(false);
   tell({});
-  if (line) Q_EMIT closeEditor(line, RevertModelCache);
+  close(RevertModelCache);
+}
+
+void VntTableDelegate::close(EndEditHint hint) {
+  QPointer<QWidget> const line = std::exchange(m_line, nullptr);
+  if (!line) return;
+  // Closing it may open the next one.
+  Q_EMIT openChanged(false);
+  Q_EMIT closeEditor(line, hint);
 }
 
 bool VntTableDelegate::eventFilter(QObject* object, QEvent* event) {
@@ -150,7 +159,11 @@ bool VntTableDelegate::eventFilter(QObject* object, QEvent* event) {
     // What is wrong stays open, until it is put right or dropped by Escape.
     if (!comesBack && commit() && m_line) {
       QMetaObject::invokeMethod(
-          line, [this, line] { Q_EMIT closeEditor(line, NoHint); }, Qt::QueuedConnection);
+          line,
+          [this, line] {
+            if (line == m_line) close(NoHint);
+          },
+          Qt::QueuedConnection);
     }
   }
   return false;

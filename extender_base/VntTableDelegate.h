@@ -44,6 +44,7 @@ class VntTableDelegate : public QStyledItemDelegate {
   bool keyPressed(QWidget* line, int key);
   /// True when nothing is left to be taken.
   bool commit();
+  void close(EndEditHint hint);
   void tell(QString const& problem) const;
 
   VntTableEdits& m_edits;

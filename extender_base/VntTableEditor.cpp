@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
+#include <QPainter>
 #include <QPushButton>
 #include <QStyle>
 #include <QTableView>
@@ -26,11 +27,27 @@
 
 namespace {
 
-constexpr int NARROWEST_COLUMN = 64;
+constexpr int NARROWEST_COLUMN = 56;
 constexpr int LONGEST_NOTE = 80; // characters
 
 /// Whether charts are shown: a person who does not want them wants none for the next field either.
 bool showsCharts = true;
+
+/// A text of one line, cut to the room there is.
+class Summary : public QLabel {
+ public:
+  using QLabel::QLabel;
+  QSize minimumSizeHint() const override {
+    return {fontMetrics().averageCharWidth() * 10, sizeHint().height()};
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, width()), foregroundRole());
+  }
+};
 
 } // namespace
 
@@ -42,7 +59,7 @@ VntTableEditor::VntTableEditor(VntFieldEdit* edit, QWidget* parent)
       m_scan(new VntTableScan(m_edits, this)),
       m_view(new QTableView(this)),
       m_expression(new QLineEdit(this)),
-      m_summary(new QLabel(this)) {
+      m_summary(new Summary(this)) {
   auto* const bar = new QToolBar(this);
   content()->addWidget(bar);
   if (m_edits.getAccess().getNumNumbers() > 0) {
@@ -61,11 +78,11 @@ VntTableEditor::VntTableEditor(VntFieldEdit* edit, QWidget* parent)
   connect(m_delegate, &VntTableDelegate::openChanged, this, &VntTableEditor::setTyping);
   connect(m_delegate, &VntTableDelegate::entered, this, [this](QModelIndex const& index) {
     QModelIndex const below = m_model->index(index.row() + 1, index.column());
-    m_view->setCurrentIndex(below.isValid() ? below : index);
+    setCurrent(below.isValid() ? below : index);
   });
   connect(m_scan, &VntTableScan::finished, this, &VntTableEditor::showSummary);
   connect(edit, &VntFieldEdit::changed, this, &VntTableEditor::follow);
-  if (m_model->rowCount() > 0) m_view->setCurrentIndex(m_model->index(0, 0));
+  if (m_model->rowCount() > 0) setCurrent(m_model->index(0, 0));
   setFocusProxy(m_view);
 }
 
@@ -86,7 +103,7 @@ void VntTableEditor::buildView() {
   m_view->setTabKeyNavigation(false);
   m_view->setWordWrap(false);
   m_view->setContextMenuPolicy(Qt::CustomContextMenu);
-  m_view->setMinimumHeight(fontMetrics().height() * 5);
+  m_view->setMinimumHeight(fontMetrics().height() * 4);
   m_view->installEventFilter(this);
   QHeaderView* const rows = m_view->verticalHeader();
   rows->setSectionResizeMode(QHeaderView::Fixed);
@@ -95,6 +112,11 @@ void VntTableEditor::buildView() {
   QHeaderView* const columns = m_view->horizontalHeader();
   columns->setMinimumSectionSize(NARROWEST_COLUMN);
   columns->setSectionResizeMode(QHeaderView::Stretch);
+  for (int i = 0; i < m_model->columnCount(); ++i) {
+    if (m_model->column(i).kind != VntTableColumn::COLOR) continue;
+    columns->setSectionResizeMode(i, QHeaderView::Fixed);
+    columns->resizeSection(i, fontMetrics().horizontalAdvance(QStringLiteral("#dddddd")) + 32);
+  }
   connect(m_view, &QAbstractItemView::doubleClicked, this, &VntTableEditor::editCell);
   connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](QModelIndex const& index) {
@@ -241,7 +263,6 @@ void VntTableEditor::buildBelow() {
   connect(m_expression, &QLineEdit::returnPressed, this, &VntTableEditor::apply);
   m_summary->setObjectName("summary");
   m_summary->setTextFormat(Qt::PlainText);
-  m_summary->setWordWrap(true);
   content()->addWidget(m_summary);
 }
 
@@ -251,7 +272,7 @@ void VntTableEditor::follow() {
   bool const wasEmpty = m_model->rowCount() == 0;
   m_model->refresh();
   if (wasEmpty && m_model->rowCount() > 0 && !m_view->currentIndex().isValid())
-    m_view->setCurrentIndex(m_model->index(0, 0));
+    setCurrent(m_model->index(0, 0));
   m_scan->follow();
 }
 
@@ -293,4 +314,5 @@ void VntTableEditor::showSummary() {
     parts << tr("%1 to %2").arg(QString::number(all.low, 'g', 6), QString::number(all.high, 'g', 6));
   if (result.numNotFinite > 0) parts << tr("%1 not finite").arg(grouped.toString(result.numNotFinite));
   m_summary->setText(parts.join(QStringLiteral(", ")));
+  m_summary->setToolTip(m_summary->text());
 }

@@ -49,7 +49,7 @@ class VntTableEditor : public VntEditorWidget {
   std::vector<VntTableCells> selectedRows() const;
   /// Those, or all when there is only one.
   std::vector<VntTableCells> selectedRowsOrAll() const;
-  int currentRow() const;
+  void setCurrent(QModelIndex const& index);
   void selectRows(std::vector<VntTableCells> const& rows);
   void goTo(int row);
   void editCell(QModelIndex const& index);

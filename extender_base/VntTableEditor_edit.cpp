@@ -77,7 +77,11 @@ std::vector<VntTableCells> VntTableEditor::selectedRowsOrAll() const {
   return rows;
 }
 
-int VntTableEditor::currentRow() const { return m_view->currentIndex().row(); }
+void VntTableEditor::setCurrent(QModelIndex const& index) {
+  // Not the view's own operation, to which a key that is held down, as Ctrl+X is, would mean something.
+  m_view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+  m_view->scrollTo(index);
+}
 
 void VntTableEditor::selectRows(std::vector<VntTableCells> const& rows) {
   QItemSelection selection;
@@ -93,7 +97,7 @@ void VntTableEditor::goTo(int row) {
   QModelIndex const old = m_view->currentIndex();
   QModelIndex const index = m_model->index(row, old.isValid() ? old.column() : 0);
   if (!index.isValid()) return;
-  m_view->setCurrentIndex(index);
+  setCurrent(index);
   m_view->scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
@@ -153,7 +157,7 @@ void VntTableEditor::remove() {
   showProblem(problem);
   if (!problem.isEmpty() || rows.empty() || m_model->rowCount() == 0) return;
   // What comes after them moves up to where they were.
-  m_view->setCurrentIndex(m_model->index(std::min(rows.front().start, m_model->rowCount() - 1), column));
+  setCurrent(m_model->index(std::min(rows.front().start, m_model->rowCount() - 1), column));
 }
 
 void VntTableEditor::move(bool up) {
@@ -239,7 +243,14 @@ bool VntTableEditor::eventFilter(QObject* watched, QEvent* event) {
            action->shortcut() == QKeySequence(key->keyCombination().toCombined() & ~Qt::KeypadModifier);
   };
   auto const found = std::find_if(m_actions.begin(), m_actions.end(), isIts);
-  if (found == m_actions.end()) return VntEditorWidget::eventFilter(watched, event);
+  if (found == m_actions.end()) {
+    // Plain keys begin an edit, whatever the window uses them for.
+    bool const isPlain = !(key->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+    if (!isPress && isPlain && (!key->text().isEmpty() || key->key() == Qt::Key_F2) &&
+        key->key() != Qt::Key_Escape)
+      event->accept();
+    return VntEditorWidget::eventFilter(watched, event);
+  }
   event->accept();
   if (isPress) (*found)->trigger();
   return true;

@@ -9,6 +9,7 @@
 #include "extender_base/VntExpression.h"
 #include "extender_base/VntTableCommand.h"
 #include "kestrava/fields/SoMField.h"
+#include "kestrava/io/SoDB.h"
 #include "vnt/VntFieldEdit.h"
 
 namespace {
@@ -164,9 +165,11 @@ QString VntTableEdits::tryCell(int row, Change const& change) {
   if (!problem.isEmpty()) return problem;
   bool const wasDefault = field.isDefault();
   std::vector<VntTableRun> runs = {{row, 1, 1}};
+  SoDB::writelock();
   value->exchange(field, runs);
   if (!m_trial) m_trial = std::make_unique<Trial>(Trial{row, std::move(value), wasDefault});
   field.valueChanged();
+  SoDB::writeunlock();
   return {};
 }
 
@@ -202,9 +205,11 @@ void VntTableEdits::cancel() {
   SoMField* const field = getField();
   if (!field || trial->row >= field->getNum()) return;
   std::vector<VntTableRun> runs = {{trial->row, 1, 1}};
+  SoDB::writelock();
   trial->before->exchange(*field, runs);
   field->setDefault(trial->wasDefault);
   field->touch();
+  SoDB::writeunlock();
 }
 
 QString VntTableEdits::insert(int row, int count) {
@@ -244,7 +249,15 @@ QString VntTableEdits::duplicate(std::vector<VntTableCells> const& rows) {
 
 QString VntTableEdits::permute(std::vector<int> const& rows, std::vector<int> const& order,
                                QString const& what) {
-  if (std::equal(rows.begin(), rows.end(), order.begin())) return {};
+  auto const values = m_access.makeList(*getField());
+  auto const staysSame = [&](std::size_t i) {
+    if (rows[i] == order[i]) return true;
+    values->append(*getField(), order[i], 1);
+    return values->isSame(values->size() - 1, *getField(), rows[i]);
+  };
+  std::size_t same = 0;
+  while (same < rows.size() && staysSame(same)) ++same;
+  if (same == rows.size()) return {};
   int const start = rows.front();
   std::vector<int> whole(rows.back() - start + 1);
   std::iota(whole.begin(), whole.end(), 0);

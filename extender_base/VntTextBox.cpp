@@ -14,8 +14,19 @@
 namespace {
 
 /// A line of more than this is slow, and nobody can read it.
-constexpr qsizetype LONGEST_LINE = 1 << 16;
+constexpr qsizetype LONGEST_LINE = 1 << 13;
+constexpr qsizetype LONGEST = 1 << 16;
 constexpr qsizetype SHOWN_OF_CUT = 1 << 12;
+
+/// Contents itself with three lines where there is no room for more.
+class Lines : public QPlainTextEdit {
+ public:
+  using QPlainTextEdit::QPlainTextEdit;
+  QSize sizeHint() const override {
+    return {QPlainTextEdit::sizeHint().width(), fontMetrics().lineSpacing() * 3 + 12};
+  }
+  QSize minimumSizeHint() const override { return {80, sizeHint().height()}; }
+};
 
 bool isLineEnd(QChar c) {
   return c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::LineSeparator ||
@@ -30,14 +41,15 @@ bool needsLines(QString const& text) {
 
 VntTextBox::VntTextBox(bool allowsLines, QWidget* parent)
     : QWidget(parent),
+      m_allowsLines(allowsLines),
       m_line(new QLineEdit(this)),
-      m_lines(new QPlainTextEdit(this)),
+      m_lines(new Lines(this)),
       m_toggle(new QToolButton(this)),
       m_hint(new QLabel(this)) {
   m_line->setObjectName("line");
+  m_line->setMaxLength(1 << 24); // a line cuts off what is longer
   m_lines->setObjectName("lines");
   m_lines->setTabChangesFocus(true);
-  m_lines->setMinimumHeight(fontMetrics().lineSpacing() * 3 + 12);
   m_hint->setObjectName("textHint");
   m_hint->setWordWrap(true);
   m_toggle->setObjectName("severalLines");
@@ -49,7 +61,7 @@ VntTextBox::VntTextBox(bool allowsLines, QWidget* parent)
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   auto* const row = new QHBoxLayout;
-  row->addWidget(m_line, 1);
+  row->addWidget(m_line, 1, Qt::AlignTop);
   row->addWidget(m_lines, 1);
   row->addWidget(m_toggle, 0, Qt::AlignTop);
   layout->addLayout(row, 1);
@@ -77,7 +89,7 @@ QString VntTextBox::text() const {
 
 void VntTextBox::setText(QString const& text) {
   QSignalBlocker const blocker(m_lines);
-  m_isCut = text.size() > m_longest;
+  m_isCut = text.size() > LONGEST;
   m_length = text.size();
   bool const forced = m_isCut || needsLines(text);
   if (forced) showLines(true);
@@ -100,6 +112,7 @@ void VntTextBox::showLines(bool on) {
   m_hasLines = on;
   m_line->setVisible(!on);
   m_lines->setVisible(on);
+  setSizePolicy(QSizePolicy::Expanding, on ? QSizePolicy::Expanding : QSizePolicy::Fixed);
   setFocusProxy(on ? static_cast<QWidget*>(m_lines) : m_line);
   QSignalBlocker const blocker(m_toggle);
   m_toggle->setChecked(on);
@@ -125,8 +138,10 @@ void VntTextBox::toggleLines(bool on) {
 }
 
 void VntTextBox::changed() {
-  if (m_hasLines) m_toggle->setEnabled(!needsLines(text()));
-  if (isModified()) Q_EMIT edited();
+  bool const isForced = needsLines(text());
+  if (isForced && m_allowsLines && !m_hasLines) toggleLines(true); // several lines were pasted
+  m_toggle->setEnabled(!isForced);
+  Q_EMIT edited();
 }
 
 void VntTextBox::updateHint() {

@@ -15,12 +15,11 @@ class VntTextBox : public QWidget {
  public:
   explicit VntTextBox(bool allowsLines, QWidget* parent = nullptr);
 
-  /// Sends nothing. Of a text that is longer than setLongest() only the beginning is shown, and it can not be
-  /// edited.
+  /// Sends nothing. Of a text that is very long (more than 65536 characters) only the beginning is shown, and
+  /// it can not be edited.
   void setText(QString const& text);
   QString text() const;
-  void setLongest(qsizetype characters) { m_longest = characters; }
-  /// True from the first key until setText().
+  /// True from the first key until setText(), and not when the user has taken all back.
   bool isModified() const;
   bool hasLines() const { return m_hasLines; }
 
@@ -37,9 +36,9 @@ class VntTextBox : public QWidget {
   void changed();
   void updateHint();
 
+  bool m_allowsLines;
   bool m_hasLines = false;
   bool m_isCut = false;
-  qsizetype m_longest = 1 << 18;
   qsizetype m_length = 0;
   QLineEdit* m_line;
   QPlainTextEdit* m_lines;

@@ -28,10 +28,11 @@ class TextEditor : public VntEditorWidget {
   TextEditor(VntFieldEdit* edit, bool allowsLines, QWidget* parent)
       : VntEditorWidget(edit, parent), m_box(new VntTextBox(allowsLines, this)) {
     m_box->setObjectName("text");
-    content()->addWidget(m_box);
+    content()->addWidget(m_box, 1);
+    content()->addStretch(); // several lines take the free space, one leaves it here
     setFocusProxy(m_box);
     connect(m_box, &VntTextBox::edited, this, [this] {
-      setTyping(true);
+      setTyping(m_box->isModified());
       textEdited();
     });
     connect(m_box, &VntTextBox::entered, this, [this] {
@@ -57,8 +58,6 @@ class TextEditor : public VntEditorWidget {
 class AnyValueEditor : public TextEditor {
  public:
   AnyValueEditor(VntFieldEdit* edit, QWidget* parent) : TextEditor(edit, true, parent) {
-    constexpr qsizetype LONGEST = 1 << 16;
-    box()->setLongest(LONGEST);
     box()->setToolTip(tr("The value as it stands in files"));
   }
 
@@ -110,8 +109,7 @@ class NameEditor : public PlainTextEditor<SoSFName> {
     m_altered->setTextFormat(Qt::PlainText);
     m_altered->setWordWrap(true);
     m_altered->setToolTip(tr("Names of nodes have no white space, quotes, braces, or digit in front"));
-    content()->addWidget(m_altered);
-    content()->addStretch();
+    content()->insertWidget(1, m_altered);
   }
 
  private:

@@ -3,7 +3,6 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QStyleOptionFocusRect>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -13,7 +12,7 @@ namespace {
 
 constexpr float STEP = 5 * std::numbers::pi_v<float> / 180;
 constexpr int PAUSE_MS = 600;
-constexpr int MARGIN = 12; // beside the ball, where it can be turned about the direction of view
+constexpr int MARGIN = 9; // beside the ball, where it can be turned about the direction of view
 
 SbVec3f axisOf(int i) { return SbVec3f(i == 0, i == 1, i == 2); }
 
@@ -73,7 +72,9 @@ void VntTrackball::paintEvent(QPaintEvent*) {
   shade.setColorAt(0, base.lightness() < 128 ? base.lighter(220) : base);
   shade.setColorAt(1, base.lightness() < 128 ? base : base.darker(150));
   painter.setBrush(shade);
-  painter.setPen(QPen(palette().color(QPalette::Mid), 1));
+  // The focus is shown at the ball: a frame would be for the whole square.
+  painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2)
+                            : QPen(palette().color(QPalette::Mid), 1));
   painter.drawEllipse(center, r, r);
   painter.setBrush(Qt::NoBrush);
   for (bool isFront : {false, true}) {
@@ -84,12 +85,6 @@ void VntTrackball::paintEvent(QPaintEvent*) {
   auto depth = [this](int axis) { return m_rotation.multVec(axisOf(axis))[2]; };
   std::sort(order, order + 3, [&](int a, int b) { return depth(a) < depth(b); });
   for (int axis : order) drawAxis(painter, axis);
-  if (hasFocus()) {
-    painter.setOpacity(1);
-    QStyleOptionFocusRect focus;
-    focus.initFrom(this);
-    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
-  }
 }
 
 // The great circle across an axis; without it one would see the axes move, but no ball.

@@ -11,10 +11,12 @@ struct Outcome {
   std::string output; // both channels
 };
 
-/// Runs one of the programs without a display and waits for its end.
-inline Outcome runProgram(std::string const& program, std::string const& arguments) {
-  std::string const command =
-      "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " VANTLE_BIN_DIR "/" + program + " " + arguments + " 2>&1";
+/// Runs one of the programs and waits for its end; without a display, unless the environment (NAME=value...)
+/// gives one.
+inline Outcome runProgram(std::string const& program, std::string const& arguments,
+                          std::string const& environment = "") {
+  std::string const command = "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM; " + environment +
+                              " " VANTLE_BIN_DIR "/" + program + " " + arguments + " 2>&1";
   Outcome result;
   FILE* const pipe = popen(command.c_str(), "r");
   std::array<char, 4096> part;

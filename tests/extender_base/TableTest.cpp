@@ -26,11 +26,16 @@ void TableTest::select(int row, int column, int lastRow, int lastColumn) {
                     table()->visualRect(model->index(lastRow, lastColumn)).center());
 }
 
+void TableTest::goTo(int row, int column) const {
+  table()->selectionModel()->setCurrentIndex(table()->model()->index(row, column),
+                                             QItemSelectionModel::ClearAndSelect);
+}
+
 QLineEdit* TableTest::openLine() const { return table()->viewport()->findChild<QLineEdit*>("cellEditor"); }
 
 void TableTest::typeCell(int row, int column, char const* text, bool enter) {
   table()->setFocus();
-  table()->setCurrentIndex(table()->model()->index(row, column));
+  goTo(row, column);
   QTest::keyClick(table(), Qt::Key_F2);
   ASSERT_TRUE(waitFor([this] { return openLine() && openLine()->hasFocus(); }));
   type(openLine(), text, false);
@@ -47,4 +52,4 @@ void TableTest::setClipboard(char const* text) {
 }
 std::string TableTest::clipboard() { return QApplication::clipboard()->text().toStdString(); }
 
-QString TableTest::step() const { return frame()->m_undoAction->text(); }
+QString TableTest::step() const { return frame()->m_undoAction->toolTip(); }

@@ -16,6 +16,8 @@ class TableTest : public EditorTest {
   /// What a cell shows.
   QString cell(int row, int column) const;
   void select(int row, int column, int lastRow, int lastColumn);
+  /// Makes one cell the current one, and the only one that is selected.
+  void goTo(int row, int column) const;
   void selectRow(int row) const { table()->selectRow(row); }
   /// Opens a cell by typing into it; the text replaces its value.
   void typeCell(int row, int column, char const* text, bool enter = true);

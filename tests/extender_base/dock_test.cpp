@@ -53,6 +53,7 @@ TEST_F(DockTest, TheListKeepsTheKeyboardUntilItIsGivenAway) {
   SoVantleList* const list = edition()->getTabNodeOverview()->getCurrentNodeOverview()->getList();
   SoFieldItem* const row = list->getListItemFromField(&light->color);
   ASSERT_TRUE(row);
+  list->scrollToItem(row);
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(row).center());
   QTest::keyClick(list, Qt::Key_Up);
   QTest::keyClick(list, Qt::Key_Down);
@@ -69,6 +70,19 @@ TEST_F(DockTest, TheListKeepsTheKeyboardUntilItIsGivenAway) {
   EXPECT_TRUE(hasKeys());
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
   EXPECT_TRUE(list->hasFocus());
+
+  // From the state to the value and through it.
+  light->color = SbColor(1, 0, 0);
+  auto* const reset = find<QWidget>("reset");
+  ASSERT_TRUE(waitFor([&] { return reset->isEnabled(); }));
+  reset->setFocus();
+  QStringList stops;
+  for (int i = 0; i < 6; ++i) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    stops << QApplication::focusWidget()->objectName();
+  }
+  EXPECT_EQ(stops, (QStringList{"swatch", "colorText", "choose", "redSlider", "red", "greenSlider"}))
+      << qPrintable(stops.join(' '));
 
   // A closed dock comes back for that.
   dock()->close();

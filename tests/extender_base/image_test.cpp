@@ -39,9 +39,9 @@ class ImageTest : public EditorTest {
   QColor shown(double x, double y) const {
     auto* const preview = find<QWidget>("imagePreview");
     QImage const picture = preview->grab().toImage();
+    // It stands at the top, in the middle, square here.
     int const side = qMin(64, qMin(picture.width(), picture.height()) - 4);
-    return picture.pixelColor(picture.width() / 2 + qRound((x - 0.5) * side),
-                              picture.height() / 2 + qRound((y - 0.5) * side));
+    return picture.pixelColor(picture.width() / 2 + qRound((x - 0.5) * side), 2 + qRound(y * side));
   }
   void answer(char const* dialogName, QString const& path) const {
     auto* const dialog = find<QFileDialog>(dialogName);
@@ -67,7 +67,7 @@ TEST_F(ImageTest, ThePreviewShowsRowsFromTheBottomAndWhatIsTransparent) {
   EXPECT_GT(mixed.green(), mixed.red());
   EXPECT_GT(mixed.red(), 50) << "nothing of the checkerboard can be seen";
   texture->image = SbImage(SbVec2i32(1, 1), 2, {100, 255});
-  EXPECT_TRUE(waitFor([&] { return shown(0.5, 0.5) == QColor(100, 100, 100); }));
+  EXPECT_TRUE(waitFor([&] { return shown(0.3, 0.3) == QColor(100, 100, 100); }));
   EXPECT_EQ(line("imageWidth")->text(), "1");
   EXPECT_EQ(find<QComboBox>("imageComponents")->currentText(), "2, grey and alpha");
   texture->image = SbImage();
@@ -160,12 +160,12 @@ TEST_F(ImageTest, SlicesAreShownAndConvertedTogether) {
   SoRef<SoTexture3> const deep(new SoTexture3);
   deep->images = SbImage(SbVec3i32(1, 1, 3), 1, {10, 20, 30});
   edit(deep, "images");
-  EXPECT_EQ(shown(0.5, 0.5), QColor(10, 10, 10));
+  EXPECT_EQ(shown(0.3, 0.3), QColor(10, 10, 10));
   auto* const slice = find<QSpinBox>("imageSlice");
   slice->setFocus();
   QTest::keyClick(slice, Qt::Key_Up);
   QTest::keyClick(slice, Qt::Key_Up);
-  EXPECT_EQ(shown(0.5, 0.5), QColor(30, 30, 30));
+  EXPECT_EQ(shown(0.3, 0.3), QColor(30, 30, 30));
   type(line("imageWidth"), "2");
   EXPECT_EQ(deep->images.getValue(), SbImage(SbVec3i32(2, 1, 3), 1, {10, 10, 20, 20, 30, 30}));
   undo();

@@ -3,11 +3,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTabWidget>
+#include <QTabBar>
 
 #include "kestrava/base/SbRotation.h"
 #include "kestrava/nodes/SoMatrixTransform.h"
 #include "tests/extender_base/EditorTest.h"
+#include "vantle/frame/SoVantleMainFrame.h"
 
 namespace {
 
@@ -19,9 +20,10 @@ class MatrixTest : public EditorTest {
     edit(m_node.get(), "matrix");
   }
   void showParts() {
-    auto* const bar = find<QTabWidget>("pages")->findChild<QTabBar*>();
-    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(1).center());
-    EXPECT_EQ(find<QTabWidget>("pages")->currentIndex(), 1);
+    auto* const pages = find<QTabBar>("pages");
+    QTest::mouseClick(pages, Qt::LeftButton, {}, pages->tabRect(1).center());
+    EXPECT_TRUE(find<QLineEdit>("translationX")->isVisible());
+    EXPECT_FALSE(find<QLineEdit>("m00")->isVisible());
   }
   /// One of the rotation or of the scale's axes.
   QLineEdit* line(char const* part, char const* name) const {
@@ -119,6 +121,41 @@ TEST_F(MatrixTest, PartsAreSplitAndPutTogether) {
   EXPECT_EQ(countSteps(), 4);
   undo();
   EXPECT_EQ(matrix(), before);
+}
+
+/// Counts how often a widget gets another size.
+class ResizeCounter : public QObject {
+ public:
+  explicit ResizeCounter(QWidget* widget) { widget->installEventFilter(this); }
+  bool eventFilter(QObject*, QEvent* event) override {
+    m_count += event->type() == QEvent::Resize;
+    return false;
+  }
+  int m_count = 0;
+};
+
+TEST_F(MatrixTest, TheLayoutSettlesAtEverySize) {
+  editMatrix("0 2 0 0 -2 0 0 0 0 0 1 0 1 2 3 1");
+  showParts();
+  auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
+  dock->setFloating(true);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(dock));
+  ResizeCounter counter(find<QWidget>("rotation"));
+  for (int width = 300; width < 640; width += 9) {
+    for (int height : {200, 330, 400, 460, 530, 600}) {
+      dock->resize(width, height);
+      int rounds = 0;
+      for (int before = -1; before != counter.m_count && rounds < 20; ++rounds) {
+        before = counter.m_count;
+        QCoreApplication::processEvents();
+      }
+      EXPECT_LT(rounds, 20) << width << " x " << height;
+      EXPECT_GE(find<QLineEdit>("translationX")->height(),
+                find<QLineEdit>("translationX")->sizeHint().height());
+      EXPECT_GE(line("rotation", "eulerX")->height(), find<QLineEdit>("translationX")->sizeHint().height());
+    }
+  }
+  dock->setFloating(false);
 }
 
 TEST_F(MatrixTest, ATypedScaleAndItsAxesStayAsTheyAre) {

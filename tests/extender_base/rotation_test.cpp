@@ -139,7 +139,7 @@ TEST_F(RotationTest, TheBallTurnsByDraggingInOneStep) {
   editRotation("0 0 1 0");
   QWidget* const view = ball();
   QPoint const center = view->rect().center();
-  int const radius = center.x() - 12;
+  int const radius = std::min(view->width(), view->height()) / 2 - 9;
   auto dragRight = [&] {
     QTest::mousePress(view, Qt::LeftButton, {}, center);
     for (int x = 1; x <= radius / 2; ++x) QTest::mouseMove(view, center + QPoint(x, 0));

@@ -1,9 +1,10 @@
 // Tables of values: each type of field, by keys, mouse and clipboard.
 
-#include <QHeaderView>
+#include <QColorDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
+#include <QPointer>
 #include <cmath>
 
 #include "kestrava/fields/SoMFFloat.h"
@@ -80,15 +81,15 @@ INSTANTIATE_TEST_SUITE_P(
         TypeCase{"MFRotation", "[ 0 0 1 0, 1 0 0 2 ]", 4, 1, 3, "0.5", "[ 0 0 1 0, 1 0 0 0.5 ]", "inf",
                  "finite"},
         TypeCase{"MFShort", "[ 1, 2 ]", 1, 1, 0, "-32768", "[ 1, -32768 ]", "32768", "range"},
-        TypeCase{"MFString", "[ \"a\", \"b c\" ]", 1, 1, 0, "a \"b\"", "[ \"a\", \"a \\\"b\\\"\" ]", nullptr,
-                 nullptr},
+        TypeCase{"MFString", "[ \"a\", \"b c\" ]", 1, 1, 0, "a \"b\"", "[\n  \"a\",\n  \"a \\\"b\\\"\"\n]",
+                 nullptr, nullptr},
         TypeCase{"MFUInt32", "[ 1, 2 ]", 1, 1, 0, "4294967295", "[ 1, 4294967295 ]", "-1", "range"},
         TypeCase{"MFUShort", "[ 1, 2 ]", 1, 1, 0, "0xff", "[ 1, 255 ]", "65536", "range"},
         TypeCase{"MFVec2f", "[ 1 2, 3 4 ]", 2, 0, 1, "2.5", "[ 1 2.5, 3 4 ]", "1/0", "zero"},
         TypeCase{"MFVec2i32", "[ 1 2, 3 4 ]", 2, 1, 0, "9", "[ 1 2, 9 4 ]", "3000000000", "range"},
         TypeCase{"MFVec2s", "[ 1 2, 3 4 ]", 2, 1, 1, "-9", "[ 1 2, 3 -9 ]", "40000", "range"},
         TypeCase{"MFVec3f", "[ 1 2 3, 4 5 6 ]", 3, 1, 2, "-inf", "[ 1 2 3, 4 5 -inf ]", "2+", "missing"},
-        TypeCase{"MFVec4f", "[ 1 2 3 4, 5 6 7 8 ]", 4, 0, 3, "9", "[ 1 2 3 9, 5 6 7 8 ]", "", "missing"},
+        TypeCase{"MFVec4f", "[ 1 2 3 4, 5 6 7 8 ]", 4, 0, 3, "9", "[ 1 2 3 9, 5 6 7 8 ]", "1 2", "missing"},
         TypeCase{"MFBool", "[ TRUE, TRUE ]", 1, 1, 0, "FALSE", "[ TRUE, FALSE ]", "maybe", "maybe"}),
     [](auto const& test) { return test.param.type; });
 
@@ -124,7 +125,7 @@ TEST_F(TableTest, WhatHasUnitLengthSaysWhyItStays) {
   QTest::keyClick(openLine(), Qt::Key_Escape);
   EXPECT_EQ(countSteps(), 0);
   setClipboard("0\t3\t0\t2\n");
-  table()->setCurrentIndex(table()->model()->index(1, 0));
+  goTo(1, 0);
   press(Qt::Key_V, Qt::ControlModifier);
   EXPECT_EQ(value(), "[ 0 0 1 0, 0 1 0 2 ]");
 }
@@ -134,7 +135,7 @@ TEST_F(TableTest, RowsAreInsertedDeletedMovedAndDuplicated) {
   select(1, 0, 2, 0);
   press(Qt::Key_Insert);
   EXPECT_EQ(value(), "[ 1, 0, 0, 2, 3, 4 ]");
-  EXPECT_TRUE(step().contains("Insert 2 values into own of Own")) << step().toStdString();
+  EXPECT_TRUE(step().contains("Insert 2 values into own of")) << step().toStdString();
   // The new ones are selected.
   press(Qt::Key_Delete);
   EXPECT_EQ(value(), "[ 1, 2, 3, 4 ]");
@@ -162,7 +163,7 @@ TEST_F(TableTest, RowsAreInsertedDeletedMovedAndDuplicated) {
 
 TEST_F(TableTest, SortingIsStableAndKeepsToTheSelection) {
   editOwn("MFVec2f", "[ 3 1, nan 2, 1 3, 3 4, 2 5 ]");
-  table()->setCurrentIndex(table()->model()->index(0, 0));
+  goTo(0, 0);
   trigger("sortAscending");
   EXPECT_EQ(value(), "[\n  1 3, 2 5, 3 1, 3 4, nan 2\n]");
   trigger("sortDescending");
@@ -204,7 +205,7 @@ TEST_F(TableTest, CellsGoToASpreadsheetAndComeBack) {
   select(0, 1, 1, 2);
   press(Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(clipboard(), "2\t3\n5\t6\n");
-  table()->setCurrentIndex(table()->model()->index(1, 0));
+  goTo(1, 0);
   press(Qt::Key_V, Qt::ControlModifier);
   EXPECT_EQ(value(), "[ 1 2 3, 2 3 6, 5 6 0 ]");
   EXPECT_EQ(countSteps(), 1);
@@ -218,7 +219,7 @@ TEST_F(TableTest, CellsGoToASpreadsheetAndComeBack) {
                       {"1 2 3 4", "Pasted row 1, column 4:"},
                       {"1e99", "Pasted row 1, column 1:"}};
   for (auto const& fault : faults) {
-    table()->setCurrentIndex(table()->model()->index(0, 0));
+    goTo(0, 0);
     setClipboard(fault.text);
     press(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(problem().startsWith(QLatin1String(fault.problem))) << problem().toStdString();
@@ -249,7 +250,7 @@ TEST_F(TableTest, TextsAreQuotedWhereASpreadsheetNeedsIt) {
   press(Qt::Key_V, Qt::ControlModifier);
   EXPECT_EQ(value(), before);
   type(find<QLineEdit>("applyExpression"), "all");
-  EXPECT_EQ(value(), "[ \"all\", \"all\", \"all\" ]");
+  EXPECT_EQ(value(), "[\n  \"all\",\n  \"all\",\n  \"all\"\n]");
 }
 
 TEST_F(TableTest, TheProgramsChangesAreShownButNotOverTyping) {
@@ -294,7 +295,7 @@ TEST_F(TableTest, ACellStepsByTheWheelInOneUndoableStep) {
   node->point.setValues({SbVec3f(1, 2, 3), SbVec3f(4, 5, 6)});
   edit(node, "point");
   table()->setFocus();
-  table()->setCurrentIndex(table()->model()->index(1, 0));
+  goTo(1, 0);
   press(Qt::Key_Return);
   ASSERT_TRUE(waitFor([this] { return openLine() && openLine()->hasFocus(); }));
   for (int i = 0; i < 3; ++i) QTest::keyClick(openLine(), Qt::Key_Up);
@@ -329,6 +330,57 @@ TEST_F(TableTest, TheFieldGoesWhileACellIsOpen) {
   QCoreApplication::processEvents();
   EXPECT_EQ(other->point[0], SbVec3f(0, 0, 0));
   EXPECT_EQ(countSteps(), 0);
+}
+
+TEST_F(TableTest, TabGoesFromCellToCellAndTheDefaultComesBack) {
+  edit(new SoCoordinate3, "point");
+  ASSERT_TRUE(field()->isDefault());
+  trigger("insertSeveral");
+  auto* const dialog = panel()->findChild<QInputDialog*>();
+  ASSERT_TRUE(dialog);
+  dialog->setIntValue(2);
+  dialog->accept();
+  EXPECT_EQ(value(), "[ 0 0 0, 0 0 0, 0 0 0 ]");
+  EXPECT_FALSE(field()->isDefault());
+  typeCell(1, 0, "1", false);
+  for (char const* next : {"2", "3"}) {
+    QPointer<QWidget> const last = openLine();
+    QTest::keyClick(openLine(), Qt::Key_Tab);
+    ASSERT_TRUE(waitFor([&] { return !last && openLine() && openLine()->hasFocus(); }));
+    type(openLine(), next, false);
+  }
+  QTest::keyClick(openLine(), Qt::Key_Return);
+  EXPECT_EQ(value(), "[ 0 0 0, 1 2 3, 0 0 0 ]");
+  EXPECT_EQ(table()->currentIndex().row(), 2);
+  EXPECT_EQ(countSteps(), 4);
+  for (int i = 0; i < 4; ++i) undo();
+  EXPECT_EQ(value(), "0 0 0");
+  EXPECT_TRUE(field()->isDefault());
+}
+
+TEST_F(TableTest, AColorIsChosenInTheDialogOfThePlatform) {
+  editOwn("MFColor", "[ 1 0 0, 0.1 0.2 0.3 ]");
+  std::string const before = value();
+  for (bool const accepts : {false, true}) {
+    QPoint const swatch = table()->visualRect(table()->model()->index(1, 3)).center();
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, swatch);
+    QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, swatch);
+    auto* const dialog = panel()->findChild<QColorDialog*>();
+    ASSERT_TRUE(dialog && waitFor([&] { return dialog->isVisible(); }));
+    dialog->setCurrentColor(Qt::blue);
+    dialog->setCurrentColor(Qt::green);
+    EXPECT_EQ(value(), "[ 1 0 0, 0 1 0 ]");
+    EXPECT_EQ(countSteps(), 0);
+    if (accepts)
+      dialog->accept();
+    else
+      dialog->reject();
+    EXPECT_EQ(value(), accepts ? "[ 1 0 0, 0 1 0 ]" : before);
+    EXPECT_EQ(countSteps(), accepts ? 1 : 0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  undo();
+  EXPECT_EQ(value(), before);
 }
 
 TEST_F(TableTest, TheChartShowsWhereTheValuesAre) {

@@ -88,6 +88,24 @@ TEST_F(TextTest, StringsOfSeveralLines) {
   EXPECT_EQ(info->string.getValue(), SbString("typed"));
 }
 
+TEST_F(TextTest, PastedLinesStayLines) {
+  auto* const info = new SoInfo;
+  edit(info, "string");
+  QGuiApplication::clipboard()->setText("a\nb");
+  line()->setFocus();
+  QTest::keyClick(line(), Qt::Key_V, Qt::ControlModifier);
+  ASSERT_TRUE(lines()->isVisible());
+  EXPECT_TRUE(lines()->hasFocus());
+  QTest::keyClick(lines(), Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(info->string.getValue(), SbString("a\nb"));
+  // Taking back what was typed ends the typing.
+  QTest::keyClicks(lines(), "c");
+  QTest::keyClick(lines(), Qt::Key_Z, Qt::ControlModifier);
+  info->string = "x\ny";
+  ASSERT_TRUE(waitFor([&] { return lines()->toPlainText() == "x\ny"; }));
+  EXPECT_EQ(note(), "");
+}
+
 TEST_F(TextTest, AVeryLongStringIsShownInPartOnly) {
   auto* const info = new SoInfo;
   std::string const text(1'000'000, 'x');
@@ -102,6 +120,14 @@ TEST_F(TextTest, AVeryLongStringIsShownInPartOnly) {
   QTest::keyClick(lines(), Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(info->string.getValue().getLength(), 1'000'000);
   EXPECT_EQ(countSteps(), 0);
+
+  info->string = SbString(std::string(40'000, 'x'));
+  ASSERT_TRUE(waitFor([&] { return !lines()->isReadOnly(); }));
+  EXPECT_FALSE(find<QToolButton>("severalLines")->isEnabled()) << "too long for a line";
+  lines()->moveCursor(QTextCursor::End);
+  QTest::keyClicks(lines(), "y");
+  QTest::keyClick(lines(), Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(info->string.getValue().getLength(), 40'001);
 }
 
 TEST_F(TextTest, NamesAreKeptAsTheyAreAndTheAlteredOneIsShown) {

@@ -88,7 +88,12 @@ TEST_F(VectorTest, SeveralNumbersFillAllComponents) {
   EXPECT_EQ(shown("z"), "nan");
   type(find<QLineEdit>("x"), "2");
   EXPECT_EQ(value(), "2 0.5 nan"); // what is no number survives
-  EXPECT_EQ(countSteps(), 5);
+  type(find<QLineEdit>("x"), "1/4 (1)-2 sqrt(4)");
+  EXPECT_EQ(value(), "0.25 -1 2");
+  type(find<QLineEdit>("x"), "1 2 1e99");
+  EXPECT_TRUE(problem().startsWith("1e+99 is out of range")) << qPrintable(problem());
+  EXPECT_EQ(shown("x"), "1 2 1e99");
+  EXPECT_EQ(countSteps(), 6);
 }
 
 TEST_F(VectorTest, ADragIsOneStepAndScalesTheOthersWhereAsked) {
@@ -149,6 +154,7 @@ TEST_F(VectorTest, OtherVectors) {
                         Case{"SFVec2i32", "1 2", "x", "-2147483648", "-2147483648 2", "2147483648"},
                         Case{"SFVec2s", "1 2", "y", "32767", "1 32767", "32768"},
                         Case{"SFVec2s", "1 2", "x", "-5 6", "-5 6", "5 70000"},
+                        Case{"SFVec2s", "1 2", "x", "5 2^3", "5 8", "5 0.5"},
                         Case{"SFVec4f", "1 2 3 4", "w", "0.5", "1 2 3 0.5", "w"}}) {
     SCOPED_TRACE(c.type);
     editOwn(c.type, c.before);
