@@ -8,7 +8,7 @@ packages=(
   ca-certificates ccache cmake g++ git ninja-build pkg-config librsvg2-bin
   # toolkit
   libegl-dev libepoxy-dev libfontconfig-dev libfreetype-dev libgl-dev libglu1-mesa-dev libjpeg62-turbo-dev
-  libpng-dev libtiff-dev zlib1g-dev
+  libpng-dev libtiff-dev libx11-dev zlib1g-dev
   # its optional modules
   libassimp-dev libembree-dev libstb-dev libwebp-dev
   # inspector
