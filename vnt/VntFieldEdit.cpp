@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "kestrava/io/SoDB.h"
+#include "kestrava/nodes/SoNode.h"
 #include "vnt/QtText.h"
 #include "vnt/VntCommand.h"
 #include "vnt/VntFieldHandle.h"
@@ -211,13 +212,16 @@ void VntFieldEdit::setIgnored(bool on) {
 void VntFieldEdit::disconnectField() {
   if (!m_field || !m_field->isConnected()) return;
   cancel();
-  auto const source = std::make_shared<VntFieldHandle>(m_field->getConnectedField());
+  VntFieldHandle const source(m_field->getConnectedField());
+  // An engine lives only as long as it is followed; a node that goes has its own reasons.
+  SoRef<SoFieldContainer> engine(m_field->getConnectedField()->getContainer());
+  if (engine && engine->isOfType(SoNode::getClassTypeId())) engine.reset();
   m_field->evaluate();
   m_field->disconnect();
   push(std::make_unique<FieldCommand>(
       m_field, tr("Disconnect %1").arg(getDescription()),
-      [source](SoField& field) {
-        if (SoField* from = source->get()) field.connectFrom(from);
+      [source, engine](SoField& field) {
+        if (SoField* from = source.get()) field.connectFrom(from);
       },
       [](SoField& field) {
         field.evaluate();

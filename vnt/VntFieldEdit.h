@@ -15,7 +15,7 @@ class VntCommand;
 /// is one edit however many values it passes through.
 ///
 /// It holds no reference: when the field goes, with its node, gone() is sent and getField() is null from then
-/// on. The commands keep the node alive for as long as they are in the history. GUI thread only.
+/// on. Neither do the commands: a step on a field that has gone does nothing. GUI thread only.
 class VntFieldEdit : public QObject {
   Q_OBJECT
  public:

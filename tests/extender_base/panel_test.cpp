@@ -4,10 +4,9 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "kestrava/fields/SoSFTime.h"
-#include "kestrava/nodes/SoSphere.h"
-#include "kestrava/nodes/SoTranslation.h"
+#include "kestrava/engines/SoCalculator.h"
 #include "kestrava/nodes/SoSeparator.h"
+#include "kestrava/nodes/SoSphere.h"
 #include "tests/extender_base/EditorTest.h"
 #include "vnt/VntServices.h"
 
@@ -54,6 +53,31 @@ TEST_F(PanelTest, IgnoredDefaultAndConnectedAreShownAndUndone) {
   EXPECT_EQ(value(), "5");
   undo();
   EXPECT_EQ(field()->getConnectedField(), &other->radius);
+}
+
+TEST_F(PanelTest, StepsLeaveTheReferenceCountsAlone) {
+  auto* const scene = new SoSeparator;
+  edit(scene, "renderCaching");
+  auto* const sphere = new SoSphere;
+  scene->addChild(sphere);
+  sphere->radius.connectFrom((new SoCalculator)->getField("oa"));
+  VntServices::getInstance()->setSelectedField(&sphere->radius);
+  int const count = sphere->getRefCount();
+  QTest::mouseClick(find<QPushButton>("disconnect"), Qt::LeftButton);
+  QTest::mouseClick(find<QCheckBox>("ignored"), Qt::LeftButton);
+  EXPECT_EQ(sphere->getRefCount(), count);
+  EXPECT_EQ(countSteps(), 2);
+  undo();
+  undo();
+  EXPECT_TRUE(sphere->radius.isConnected()) << "the engine that only this field has followed";
+  redo();
+  EXPECT_FALSE(sphere->radius.isConnected());
+
+  scene->removeChild(sphere);
+  EXPECT_EQ(find<QLabel>("fieldName")->text(), "No field is selected");
+  undo();
+  redo();
+  redo();
 }
 
 TEST_F(PanelTest, AFieldThatGoesTakesItsEditorAlong) {
