@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <QWheelEvent>
 #include <bit>
 #include <vector>
 
@@ -44,24 +43,11 @@ class BoolEditor : public VntEditorWidget {
   QCheckBox* m_box;
 };
 
-/// A list that a passing wheel does not turn.
-class Combo : public QComboBox {
- public:
-  explicit Combo(QWidget* parent) : QComboBox(parent) { setFocusPolicy(Qt::StrongFocus); }
-
- protected:
-  void wheelEvent(QWheelEvent* event) override {
-    if (hasFocus())
-      QComboBox::wheelEvent(event);
-    else
-      event->ignore();
-  }
-};
-
 /// The symbols in their order. A value that has none is one more entry, as a number, while it lasts.
 class EnumEditor : public VntEditorWidget {
  public:
-  EnumEditor(VntFieldEdit* edit, QWidget* parent) : VntEditorWidget(edit, parent), m_combo(new Combo(this)) {
+  EnumEditor(VntFieldEdit* edit, QWidget* parent)
+      : VntEditorWidget(edit, parent), m_combo(new QComboBox(this)) {
     m_combo->setObjectName("symbols");
     m_combo->setMaxVisibleItems(20);
     m_combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -102,7 +88,7 @@ class EnumEditor : public VntEditorWidget {
     m_combo->setItemData(m_combo->count() - 1, QString::number(symbol.value), Qt::ToolTipRole);
   }
 
-  Combo* m_combo;
+  QComboBox* m_combo;
   int m_known = -1;
 };
 

@@ -26,6 +26,8 @@ namespace {
 
 enum Part { RED, GREEN, BLUE, HUE, SATURATION, VALUE, PARTS };
 
+double limitOf(int part) { return part == HUE ? 360 : 1; }
+
 bool isFinite(SbColor const& color) {
   return std::isfinite(color[0]) && std::isfinite(color[1]) && std::isfinite(color[2]);
 }
@@ -76,7 +78,6 @@ class ColorEditor : public VntEditorWidget {
     QLabel* label;
     VntColorSlider* slider;
     VntNumberEdit* number;
-    double scale; // of the number where the slider goes to 1
   };
 
   void buildTop();
@@ -174,9 +175,9 @@ void ColorEditor::buildTop() {
 void ColorEditor::buildRow(Part part, QString const& name, QString const& tip) {
   static char const* const NAMES[] = {"red", "green", "blue", "hue", "saturation", "value"};
   Row& row = m_rows[part];
-  row.scale = part == HUE ? 360 : 1;
   row.label = new QLabel(name, this);
   row.slider = new VntColorSlider(this);
+  row.slider->setLimits(0, limitOf(part));
   row.slider->setObjectName(QLatin1String(NAMES[part]) + QLatin1String("Slider"));
   row.number = new VntNumberEdit(VntNumberEdit::SINGLE, this);
   row.number->setObjectName(QLatin1String(NAMES[part]));
@@ -191,11 +192,12 @@ void ColorEditor::buildRow(Part part, QString const& name, QString const& tip) {
   if (part == HUE) row.number->setDegrees(true);
   setTabOrder(row.slider, row.number);
 
-  connect(row.slider, &VntColorSlider::moved, this, [this, part](double value) {
+  connect(row.slider, &VntSlider::numberPreviewed, this, [this, part](double value) {
     dropTyping();
-    if (this->edit()->getField()) preview(with(part, value * m_rows[part].scale));
+    if (this->edit()->getField()) preview(with(part, value));
   });
-  connect(row.slider, &VntColorSlider::finished, this, [this] { this->edit()->finish(); });
+  connect(row.slider, &VntSlider::dragFinished, this, [this] { this->edit()->finish(); });
+  connect(row.slider, &VntSlider::dragCancelled, this, &ColorEditor::escape);
   connect(row.number, &VntNumberEdit::valuePreviewed, this, [this, part](double value) {
     if (this->edit()->getField()) preview(with(part, value));
   });
@@ -242,7 +244,7 @@ void ColorEditor::showValue() {
     double const digits = part == HUE ? 1e4 : 1e6;
     bool const isRounded = part == HUE || part == SATURATION;
     row.number->setValue(isRounded ? std::round(value * digits) / digits : value);
-    row.slider->setPart(value / row.scale);
+    row.slider->setNumber(value);
   }
   if (!m_text->isModified()) m_text->setText(toQColor(color).name());
   m_hint->setVisible(!isShown(color));
@@ -271,7 +273,7 @@ void ColorEditor::showColors() {
         shown[part] = static_cast<float>(at);
       } else {
         std::array<double, 3> other = hsv;
-        other[static_cast<std::size_t>(part - HUE)] = at * m_rows[static_cast<std::size_t>(part)].scale;
+        other[static_cast<std::size_t>(part - HUE)] = at * limitOf(part);
         // A grey or black colour would give a groove without hues.
         if (part == HUE) other = {other[0], std::max(other[1], 0.3), std::max(other[2], 0.5)};
         shown = fromHsv(other);
@@ -336,7 +338,6 @@ void ColorEditor::dropTyping() {
 }
 
 void ColorEditor::escape() {
-  for (Row& row : m_rows) row.slider->dropMotion();
   dropTyping();
   VntEditorWidget::escape();
 }

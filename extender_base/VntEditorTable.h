@@ -23,6 +23,10 @@ void addColorEditors(VntEditorTable& table);
 void addImageEditors(VntEditorTable& table);
 void addTableEditors(VntEditorTable& table);
 
+// For types that have no extension of their own: the editor "SField" makes use of these.
+void addOtherNumberEditors(VntEditorTable& table);
+void addOtherVectorEditors(VntEditorTable& table);
+
 /// For the entries of a table: a VntEditorWidget that shows its field.
 template <class Editor> QWidget* makeEditor(VntFieldEdit* edit, QWidget* parent) {
   auto* const editor = new Editor(edit, parent);

@@ -22,6 +22,12 @@ VntEditorWidget::VntEditorWidget(VntFieldEdit* edit, QWidget* parent)
   font.setItalic(true);
   m_note->setFont(font);
   m_note->hide();
+  // The value of a field that follows another one is there to be read.
+  QPalette colors = palette();
+  QColor text = colors.color(QPalette::Active, QPalette::Text);
+  text.setAlphaF(0.7f);
+  colors.setColor(QPalette::Disabled, QPalette::Text, text);
+  setPalette(colors);
   connect(edit, &VntFieldEdit::changed, this, &VntEditorWidget::valueChanged);
 }
 

@@ -19,7 +19,9 @@ class VntEditorWidget : public QWidget {
   /// Shows the value, or tells the user of it while he is typing. The panel's and makeEditor()'s.
   void refresh();
   /// Drops what is typed or dragged and not entered yet; the panel's, before it takes another field.
-  void giveUp();
+  virtual void giveUp();
+  /// The field can not be changed now. An editor in which there is something to scroll or to copy stays of use.
+  virtual void setReadOnly(bool on) { setEnabled(!on); }
   /// The line that says "changed to ...", for a panel to show it where it is in sight. It comes back before
   /// the editor goes.
   QLabel* getNote() const { return m_note; }

@@ -1,10 +1,15 @@
 #include "extender_base/VntEulerAngles.h"
 
 #include <cmath>
+#include <numbers>
+#include <utility>
 
 #include "kestrava/base/SbVec3d.h"
 
 namespace {
+
+constexpr double PI = std::numbers::pi;
+constexpr double NOISE = 5e-7; // of the single precision of rotations
 
 int axisAt(VntEulerAngles::Order order, int turn) { return VntEulerAngles::ORDERS[order][turn] - 'X'; }
 
@@ -32,7 +37,8 @@ SbRotation VntEulerAngles::toRotation(Order order) const {
 // With i, j, k the axes of the three turns, the images of the axes have these components: image(i)[k] is the
 // sine of the middle angle alone, and its other two are those of the last angle, times the middle one's
 // cosine.
-VntEulerAngles VntEulerAngles::fromRotation(SbRotation const& rotation, Order order) {
+VntEulerAngles VntEulerAngles::fromRotation(SbRotation const& rotation, Order order,
+                                            VntEulerAngles const& near) {
   SbVec4d const q = rotation.getQuaternion();
   SbVec3d const v(q[0], q[1], q[2]);
   auto image = [&](int axis) {
@@ -50,9 +56,21 @@ VntEulerAngles VntEulerAngles::fromRotation(SbRotation const& rotation, Order or
   } else {
     first = std::atan2(-sign * imageK[j], imageJ[j]);
   }
-  VntEulerAngles angles;
-  angles.radians[static_cast<std::size_t>(i)] = first;
-  angles.radians[static_cast<std::size_t>(j)] = std::atan2(-sign * imageI[k], cosine);
-  angles.radians[static_cast<std::size_t>(k)] = last;
-  return angles;
+  double const middle = std::atan2(-sign * imageI[k], cosine);
+  auto triple = [&](double atFirst, double atMiddle, double atLast) {
+    VntEulerAngles angles;
+    for (auto [axis, angle] : {std::pair(i, atFirst), std::pair(j, atMiddle), std::pair(k, atLast)}) {
+      double const turned = std::remainder(angle, 2 * PI);
+      angles.radians[static_cast<std::size_t>(axis)] = std::abs(turned) < NOISE ? 0 : turned;
+    }
+    return angles;
+  };
+  auto distance = [&](VntEulerAngles const& angles) {
+    double sum = 0;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      sum += std::abs(std::remainder(angles.radians[axis] - near.radians[axis], 2 * PI));
+    return sum;
+  };
+  VntEulerAngles const one = triple(first, middle, last), other = triple(first + PI, PI - middle, last + PI);
+  return distance(other) < distance(one) - NOISE ? other : one;
 }

@@ -14,7 +14,8 @@ struct VntEulerAngles {
   std::array<double, 3> radians{}; // about x, y, z, whatever the order
 
   SbRotation toRotation(Order order) const;
-  /// The middle angle is at most a quarter turn. Where it is one, only the sum or the difference of the
-  /// others counts: the last one is then 0.
-  static VntEulerAngles fromRotation(SbRotation const& rotation, Order order);
+  /// Two triples make the same rotation, with a middle angle of at most a quarter turn or of more: this is the
+  /// one that is nearer to `near`. Where the middle angle is a quarter turn, only the sum or the difference of
+  /// the others counts.
+  static VntEulerAngles fromRotation(SbRotation const& rotation, Order order, VntEulerAngles const& near);
 };

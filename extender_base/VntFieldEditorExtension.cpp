@@ -46,7 +46,7 @@ bool VntFieldEditorExtension::addControlled(VntExtension* controlled) {
   auto* const editor = dynamic_cast<VntFieldEditor*>(controlled);
   SoType const type = SoType::fromName(SbName(controlled->getName()));
   if (!editor || type.isBad()) return false;
-  m_editors.insert_or_assign(type, editor);
+  m_editors[type].prepend(editor);
   return true;
 }
 

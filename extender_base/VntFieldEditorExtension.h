@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <unordered_map>
@@ -24,7 +25,7 @@ class VntFieldEditorExtension : public QObject, public VntExtension {
   SbString getInfo() const override { return "Field Editor"; }
   void activate() override;
   void deactivate() override;
-  /// Field editors only; of two for one type the later one is taken.
+  /// Field editors only; of two for one type the later one is asked first.
   bool addControlled(VntExtension* controlled) override;
   void show() override;
   void hide() override;
@@ -34,7 +35,7 @@ class VntFieldEditorExtension : public QObject, public VntExtension {
   void giveKeys();
   void switchKeys();
 
-  std::unordered_map<SoType, VntFieldEditor*> m_editors; // the plug-ins'
+  std::unordered_map<SoType, QList<VntFieldEditor*>> m_editors; // the plug-ins', in the order of asking
   QPointer<QDockWidget> m_dock;
   QPointer<VntFieldEditorPanel> m_panel; // the dock's
   QPointer<QWidget> m_before;            // what had the keyboard before F6 gave it to the editor

@@ -1,6 +1,8 @@
 #include "extender_base/VntFieldEditorPanel.h"
 
+#include <QAbstractSpinBox>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QLabel>
@@ -17,6 +19,7 @@
 #include "vnt/QtText.h"
 #include "vnt/VntFieldEdit.h"
 #include "vnt/VntFieldEditor.h"
+#include "vnt/VntPluginsManager.h"
 
 namespace {
 
@@ -47,6 +50,10 @@ QString describe(SoFieldContainer const* container) {
   QString const name = toQString(container->getName().getString());
   return name.isEmpty() ? type
                         : VntFieldEditorPanel::tr("%1 \"%2\"", "type and name of a node").arg(type, name);
+}
+
+bool isTurnedByWheel(QObject const* widget) {
+  return qobject_cast<QComboBox const*>(widget) || qobject_cast<QAbstractSpinBox const*>(widget);
 }
 
 bool hasOwnUndo(QObject const* widget, bool redo) {
@@ -145,6 +152,11 @@ void VntFieldEditorPanel::changeEvent(QEvent* event) {
 }
 
 bool VntFieldEditorPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Wheel && isTurnedByWheel(watched) &&
+      !static_cast<QWidget*>(watched)->hasFocus()) {
+    event->ignore(); // somebody scrolls past
+    return true;
+  }
   if (event->type() == QEvent::ShortcutOverride) {
     auto const* const key = static_cast<QKeyEvent*>(event);
     bool const redo = key->matches(QKeySequence::Redo);
@@ -193,7 +205,8 @@ void VntFieldEditorPanel::setField(SoField* field, QList<VntFieldEditor*> const&
   connect(m_edit.get(), &VntFieldEdit::changed, this, &VntFieldEditorPanel::showState);
   connect(m_edit.get(), &VntFieldEdit::failed, this, &VntFieldEditorPanel::showProblem);
   for (VntFieldEditor* maker : makers) {
-    m_editor = maker->createEditor(m_edit.get(), m_area);
+    VntPluginsManager::call(maker, "createEditor()",
+                            [&] { m_editor = maker->createEditor(m_edit.get(), m_area); });
     if (m_editor) break;
   }
   if (m_editor) {
@@ -205,8 +218,9 @@ void VntFieldEditorPanel::setField(SoField* field, QList<VntFieldEditor*> const&
     // Widgets of the editor's own know better what they can undo.
     for (QWidget* widget : m_editor->findChildren<QWidget*>()) {
       QMetaObject const* const type = widget->metaObject();
-      if (type == &QLineEdit::staticMetaObject || type == &QPlainTextEdit::staticMetaObject)
-        widget->installEventFilter(this);
+      bool const isText = type == &QLineEdit::staticMetaObject || type == &QPlainTextEdit::staticMetaObject;
+      if (isText || isTurnedByWheel(widget)) widget->installEventFilter(this);
+      if (isTurnedByWheel(widget)) widget->setFocusPolicy(Qt::StrongFocus);
     }
   }
   orderTabs();
@@ -250,7 +264,10 @@ void VntFieldEditorPanel::showState() {
     m_source->setText(isEditable ? QString() : tr("set by its node only"));
   }
   m_source->setVisible(!m_source->text().isEmpty());
-  if (m_editor) m_editor->setEnabled(isEditable);
+  if (auto* const editor = qobject_cast<VntEditorWidget*>(m_editor))
+    editor->setReadOnly(!isEditable);
+  else if (m_editor)
+    m_editor->setEnabled(isEditable);
 }
 
 void VntFieldEditorPanel::showProblem(QString const& problem) {

@@ -139,7 +139,6 @@ void ImageEditor::buildNumbers(QGridLayout* grid) {
   m_components->addItems({tr("1, grey"), tr("2, grey and alpha"), tr("3, RGB"), tr("4, RGBA")});
   m_components->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   m_components->setMinimumContentsLength(8);
-  m_components->setFocusPolicy(Qt::StrongFocus);
   connect(m_components, &QComboBox::activated, this, [this](int index) { convert(index + 1); });
   auto* const label = new QLabel(tr("Components"), this);
   label->setBuddy(m_components);

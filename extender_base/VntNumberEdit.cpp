@@ -204,8 +204,9 @@ double VntNumberEdit::stepSize() const {
 double VntNumberEdit::rounded(double value) const {
   if (m_kind == INTEGER) return std::round(value);
   // The digits that binary arithmetic adds far below the step are noise: 0.30000000000000004.
-  double const parts = std::round((m_kind == SINGLE ? 1e5 : 1e9) / m_motionStep);
-  if (parts >= 1 && std::abs(value * parts) < LARGEST_EXACT) value = std::round(value * parts) / parts;
+  double parts = std::round((m_kind == SINGLE ? 1e5 : 1e9) / m_motionStep);
+  while (parts > 1 && std::abs(value * parts) >= LARGEST_EXACT) parts = std::round(parts / 10);
+  if (parts >= 1) value = std::round(value * parts) / parts;
   return m_kind == SINGLE ? static_cast<float>(value) : value;
 }
 

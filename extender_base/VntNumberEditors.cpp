@@ -13,9 +13,11 @@
 #include "extender_base/VntEditorWidget.h"
 #include "extender_base/VntNumberEdit.h"
 #include "extender_base/VntSlider.h"
+#include "kestrava/fields/SoSFDouble.h"
 #include "kestrava/fields/SoSFFloat.h"
 #include "kestrava/fields/SoSFInt32.h"
 #include "kestrava/fields/SoSFShort.h"
+#include "kestrava/fields/SoSFTime.h"
 #include "kestrava/fields/SoSFUInt32.h"
 #include "kestrava/fields/SoSFUShort.h"
 #include "vnt/QtText.h"
@@ -66,6 +68,7 @@ class NumberEditor : public VntEditorWidget {
   virtual bool set(double number) = 0;
   virtual bool preview(double number) = 0;
   void setRange(double lowest, double highest);
+  void setStep(double step) { m_line->setStep(step); }
 
  private:
   void connectParts();
@@ -190,14 +193,19 @@ template <class Field, VntNumberEdit::Kind KIND> class NumberEditorOf : public N
   NumberEditorOf(VntFieldEdit* edit, QWidget* parent) : NumberEditor(edit, KIND, parent) {
     if constexpr (KIND == VntNumberEdit::INTEGER)
       setRange(std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max());
+    // The time of day is a large number; a hundredth of it would be years.
+    if constexpr (std::is_same_v<Number, SbTime>) setStep(0.1);
   }
 
  private:
-  double number() const override { return edit()->template getFieldAs<Field>()->getValue(); }
-  bool set(double number) override { return edit()->template set<Field>(static_cast<Number>(number)); }
-  bool preview(double number) override {
-    return edit()->template preview<Field>(static_cast<Number>(number));
+  using Numbers = SoNumbers<Number>;
+  double number() const override {
+    double number;
+    Numbers::get(edit()->template getFieldAs<Field>()->getValue(), &number);
+    return number;
   }
+  bool set(double number) override { return edit()->template set<Field>(Numbers::make(&number)); }
+  bool preview(double number) override { return edit()->template preview<Field>(Numbers::make(&number)); }
 };
 
 } // namespace
@@ -212,4 +220,10 @@ void addNumberEditors(VntEditorTable& table) {
                    makeEditor<NumberEditorOf<SoSFUShort, Edit::INTEGER>>});
   table.push_back(
       {"SFUInt32", "Whole number, not negative", makeEditor<NumberEditorOf<SoSFUInt32, Edit::INTEGER>>});
+}
+
+void addOtherNumberEditors(VntEditorTable& table) {
+  using Edit = VntNumberEdit;
+  table.push_back({"SFDouble", "Number", makeEditor<NumberEditorOf<SoSFDouble, Edit::DOUBLE>>});
+  table.push_back({"SFTime", "Time in seconds", makeEditor<NumberEditorOf<SoSFTime, Edit::DOUBLE>>});
 }

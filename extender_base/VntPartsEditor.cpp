@@ -12,6 +12,12 @@ VntPartsEditor::VntPartsEditor(VntFieldEdit* edit, QWidget* parent) : VntEditorW
   });
 }
 
+void VntPartsEditor::growContent() {
+  auto* const lines = static_cast<QVBoxLayout*>(layout());
+  lines->setStretchFactor(content(), 1);
+  lines->setStretch(lines->count() - 1, 0);
+}
+
 void VntPartsEditor::updateOthers() {
   bool const isRefused =
       std::any_of(m_parts.begin(), m_parts.end(), [](VntPartEdit* part) { return part->isRefused(); });

@@ -24,6 +24,8 @@ class VntPartsEditor : public VntEditorWidget {
     m_what = what;
     return isDrag ? edit()->preview<Field>(value) : edit()->set<Field>(value, what);
   }
+  /// The free space goes to the widgets, not below them.
+  void growContent();
   /// Tells the user why something can not be done.
   bool refuse(QString const& reason) {
     edit()->report(reason);

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int NARROWEST_FORM = 285; // pixels, with the labels beside the rows
-constexpr int SMALLEST_BALL = 86, LARGEST_BALL = 116, BALL_ABOVE = 140;
+constexpr int SMALLEST_BALL = 86, USUAL_BALL = 116, BALL_ABOVE = 140, LARGEST_BALL = 360;
 
 constexpr double DEGREE = std::numbers::pi / 180;
 
@@ -48,7 +48,7 @@ VntRotationEdit::VntRotationEdit(Forms forms, QWidget* parent)
   m_layout->setContentsMargins(0, 0, 0, 0);
   if (forms == ALL) {
     m_ball = new VntTrackball(this);
-    m_layout->addWidget(m_ball, 0, Qt::AlignTop | Qt::AlignHCenter);
+    m_layout->addWidget(m_ball, 0);
     pass(m_ball, [this] {
       m_rotation = m_ball->getRotation();
       return true;
@@ -171,7 +171,7 @@ void VntRotationEdit::chooseUnit(int degrees) {
 
 void VntRotationEdit::chooseOrder(int order) {
   s_order = static_cast<VntEulerAngles::Order>(order);
-  m_euler = VntEulerAngles::fromRotation(m_rotation, s_order);
+  m_euler = VntEulerAngles::fromRotation(m_rotation, s_order, {});
   showParts();
 }
 
@@ -204,7 +204,7 @@ void VntRotationEdit::showParts() {
   if (!m_ball) return;
   m_ball->setRotation(m_rotation);
   if (!m_euler.toRotation(s_order).equals(m_rotation, 1e-6f))
-    m_euler = VntEulerAngles::fromRotation(m_rotation, s_order);
+    m_euler = VntEulerAngles::fromRotation(m_rotation, s_order, m_euler);
   std::vector<double> angles;
   for (double radians : m_euler.radians) angles.push_back(toShown(radians));
   m_eulerEdit->setValues(angles);
@@ -239,11 +239,16 @@ void VntRotationEdit::resizeEvent(QResizeEvent* event) {
   VntPartEdit::resizeEvent(event);
   if (!m_ball) return;
   int const beside = width() - NARROWEST_FORM - m_layout->spacing();
-  m_layout->setDirection(beside < SMALLEST_BALL ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
   // Less width must never make all lower: a scroll bar that comes and takes width would at once not be
   // needed.
-  if (beside < SMALLEST_BALL)
-    m_ball->setFixedSize(BALL_ABOVE, BALL_ABOVE);
-  else
-    m_ball->setFixedSize(std::min(beside, LARGEST_BALL), LARGEST_BALL);
+  bool const isAbove = beside < SMALLEST_BALL;
+  m_layout->setDirection(isAbove ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+  m_layout->setStretch(0, isAbove ? 1 : 0);
+  m_layout->setStretch(1, isAbove ? 0 : 1);
+  // The ball is as large as the free space lets it; the numbers have more use for width.
+  int const wanted = std::min({height(), isAbove ? width() : width() / 3, LARGEST_BALL});
+  int const side = std::min(beside, std::max(wanted, USUAL_BALL));
+  m_ball->setMinimumSize(isAbove ? QSize(SMALLEST_BALL, BALL_ABOVE) : QSize(side, USUAL_BALL));
+  m_ball->setMaximumSize(isAbove ? QSize(QWIDGETSIZE_MAX, std::max(wanted, BALL_ABOVE))
+                                 : QSize(side, QWIDGETSIZE_MAX));
 }

@@ -16,6 +16,7 @@ class RotationEditor : public VntPartsEditor {
       : VntPartsEditor(edit, parent), m_rotation(new VntRotationEdit(VntRotationEdit::ALL, this)) {
     m_rotation->setObjectName("rotation");
     content()->addWidget(m_rotation);
+    growContent(); // of the ball
     setFocusProxy(m_rotation);
     watch(m_rotation, [this](bool isDrag) {
       QString const what =

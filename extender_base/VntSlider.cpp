@@ -51,7 +51,11 @@ void VntSlider::setNumber(double number) {
 void VntSlider::userMoved(int tick) {
   double const part = static_cast<double>(tick) / maximum();
   double const number = m_lowest + (m_highest - m_lowest) * part;
-  Q_EMIT numberPreviewed(m_isWhole ? std::round(number) : number);
+  if (m_isWhole) return Q_EMIT numberPreviewed(std::round(number));
+  // The digits that binary arithmetic adds far below a tick are noise: 0.30000000000000004.
+  double const limit = std::max(std::abs(m_lowest), std::abs(m_highest));
+  double const parts = std::pow(10, 9 - std::ceil(std::log10(limit)));
+  Q_EMIT numberPreviewed(parts >= 1 ? std::round(number * parts) / parts : number);
 }
 
 void VntSlider::endMotion(bool keep) {
@@ -69,8 +73,14 @@ void VntSlider::endMotion(bool keep) {
   }
 }
 
+QRect VntSlider::handle() const {
+  QStyleOptionSlider option;
+  initStyleOption(&option);
+  return style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+}
+
 void VntSlider::dragTo(double x) {
-  int const length = style()->pixelMetric(QStyle::PM_SliderLength, nullptr, this);
+  int const length = handle().width();
   int const left = static_cast<int>(std::lround(x - m_grip - length / 2.0));
   setValue(QStyle::sliderValueFromPosition(minimum(), maximum(), left, width() - length));
 }
@@ -78,14 +88,13 @@ void VntSlider::dragTo(double x) {
 void VntSlider::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return event->ignore();
   endMotion(true);
-  QStyleOptionSlider option;
-  initStyleOption(&option);
-  QRectF const handle = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
-  m_grip = handle.contains(event->position()) ? event->position().x() - handle.center().x() : 0;
+  QRectF const grip = handle();
+  bool const isBeside = !grip.contains(event->position());
+  m_grip = isBeside ? 0 : event->position().x() - grip.center().x();
   m_motion = DRAGGING;
   m_before = value();
   setSliderDown(true);
-  if (m_grip == 0) dragTo(event->position().x());
+  if (isBeside) dragTo(event->position().x());
 }
 
 void VntSlider::mouseMoveEvent(QMouseEvent* event) {

@@ -35,6 +35,8 @@ class VntSlider : public QSlider {
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  /// Where the handle is now. It goes from one end of the slider to the other.
+  virtual QRect handle() const;
 
  private:
   enum Motion { NONE, STEPPING, DRAGGING };

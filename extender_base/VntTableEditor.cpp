@@ -21,6 +21,7 @@
 #include "extender_base/VntTableChart.h"
 #include "extender_base/VntTableDelegate.h"
 #include "extender_base/VntTableModel.h"
+#include "extender_base/VntTableRow.h"
 #include "extender_base/VntTableScan.h"
 #include "kestrava/fields/SoMField.h"
 #include "vnt/VntFieldEdit.h"
@@ -30,8 +31,10 @@ namespace {
 constexpr int NARROWEST_COLUMN = 56;
 constexpr int LONGEST_NOTE = 80; // characters
 
-/// Whether charts are shown: a person who does not want them wants none for the next field either.
+// Whether charts, and editors of the current value, are shown: a person who does not want them wants none for
+// the next field either.
 bool showsCharts = true;
+bool showsRows = true;
 
 /// A text of one line, cut to the room there is.
 class Summary : public QLabel {
@@ -59,21 +62,24 @@ VntTableEditor::VntTableEditor(VntFieldEdit* edit, QWidget* parent)
       m_scan(new VntTableScan(m_edits, this)),
       m_view(new QTableView(this)),
       m_expression(new QLineEdit(this)),
+      m_apply(new QPushButton(tr("Apply"), this)),
       m_summary(new Summary(this)) {
   auto* const bar = new QToolBar(this);
   content()->addWidget(bar);
   if (m_edits.getAccess().getNumNumbers() > 0) {
     m_chart = new VntTableChart(m_edits, *m_scan, this);
     m_chart->setObjectName("chart");
-    m_chart->setVisible(showsCharts);
     connect(m_chart, &VntTableChart::rowClicked, this, &VntTableEditor::goTo);
-    content()->addWidget(m_chart, 1);
+    content()->addWidget(m_chart, 25);
   }
-  content()->addWidget(m_view, 4);
+  content()->addWidget(m_view, 100);
+  m_row = VntTableRow::create(edit, m_edits, this);
   buildView();
   buildActions();
   buildMenus(bar);
   buildBelow();
+  if (m_row) content()->addWidget(m_row);
+  content()->addStretch(1); // for what a table of few rows leaves
   connect(m_delegate, &VntTableDelegate::told, this, &VntTableEditor::showProblem);
   connect(m_delegate, &VntTableDelegate::openChanged, this, &VntTableEditor::setTyping);
   connect(m_delegate, &VntTableDelegate::entered, this, [this](QModelIndex const& index) {
@@ -84,11 +90,13 @@ VntTableEditor::VntTableEditor(VntFieldEdit* edit, QWidget* parent)
   connect(edit, &VntFieldEdit::changed, this, &VntTableEditor::follow);
   if (m_model->rowCount() > 0) setCurrent(m_model->index(0, 0));
   setFocusProxy(m_view);
+  showParts();
 }
 
 VntTableEditor::~VntTableEditor() {
   // A cell that is open uses the edits until it goes.
   m_delegate->disconnect(this);
+  delete m_row;
   delete m_view;
   delete m_chart;
   delete m_scan;
@@ -121,6 +129,7 @@ void VntTableEditor::buildView() {
   connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](QModelIndex const& index) {
             if (m_chart) m_chart->setCurrentRow(index.row());
+            if (m_row) m_row->setRow(index.row());
           });
 }
 
@@ -220,17 +229,11 @@ void VntTableEditor::buildMenus(QToolBar* bar) {
   addMenu(tr("Fill"), "fillMenu",
           m_chart ? std::initializer_list<char const*>{"fillDown", "ramp"}
                   : std::initializer_list<char const*>{"fillDown"});
-  if (m_chart) {
-    QAction* const chart = bar->addAction(tr("Chart"));
-    chart->setObjectName("showChart");
-    chart->setCheckable(true);
-    chart->setChecked(showsCharts);
-    chart->setToolTip(tr("Shows all values at once"));
-    connect(chart, &QAction::toggled, this, [this](bool on) {
-      showsCharts = on;
-      m_chart->setVisible(on);
-    });
-  }
+  if (m_chart)
+    bar->addAction(addSwitch("showChart", tr("Chart"), tr("Shows all values at once"), &showsCharts));
+  if (m_row)
+    bar->addAction(addSwitch("showRow", tr("Value"),
+                             tr("Shows an editor of the current value, where there is room"), &showsRows));
   QMenu* const menu =
       fill(new QMenu(this), {"cut", "copy", "paste", "", "insertAbove", "insertBelow", "insertSeveral",
                              "duplicate", "delete", "", "moveUp", "moveDown", "", "sortAscending",
@@ -241,10 +244,57 @@ void VntTableEditor::buildMenus(QToolBar* bar) {
           [this, menu](QPoint at) { menu->popup(m_view->viewport()->mapToGlobal(at)); });
 }
 
+QAction* VntTableEditor::addSwitch(char const* name, QString const& text, QString const& tip, bool* shows) {
+  auto* const action = new QAction(text, this);
+  action->setObjectName(QLatin1String(name));
+  action->setToolTip(tip);
+  action->setCheckable(true);
+  action->setChecked(*shows);
+  connect(action, &QAction::toggled, this, [this, shows](bool on) {
+    *shows = on;
+    showParts();
+  });
+  return action;
+}
+
+void VntTableEditor::showParts() {
+  int const rows = m_model->rowCount();
+  if (m_chart) m_chart->setVisible(showsCharts && rows > 1);
+  // One value needs no more room than its row.
+  int const content = m_view->horizontalHeader()->sizeHint().height() + 2 * m_view->frameWidth() +
+                      m_view->verticalHeader()->defaultSectionSize() * 3;
+  m_view->setMaximumHeight(rows > 1 ? QWIDGETSIZE_MAX : std::max(content, m_view->minimumHeight()));
+  // Its least height is nothing, so that this does not depend on what is shown now.
+  constexpr int SPACING = 8;
+  if (m_row)
+    m_row->setVisible(showsRows &&
+                      height() >= minimumSizeHint().height() + SPACING + m_row->sizeHint().height());
+}
+
+void VntTableEditor::resizeEvent(QResizeEvent* event) {
+  VntEditorWidget::resizeEvent(event);
+  showParts();
+}
+
+void VntTableEditor::giveUp() {
+  if (m_row) m_row->giveUp();
+  VntEditorWidget::giveUp();
+}
+
+void VntTableEditor::setReadOnly(bool on) {
+  if (on == !m_expression->isEnabledTo(this)) return;
+  giveUp();
+  for (QAction* action : m_actions) action->setEnabled(!on || action->objectName() == QLatin1String("copy"));
+  m_view->setEditTriggers(on ? QAbstractItemView::NoEditTriggers
+                             : QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+  m_expression->setEnabled(!on);
+  m_apply->setEnabled(!on);
+  if (m_row) m_row->setEnabled(!on);
+}
+
 void VntTableEditor::buildBelow() {
-  auto* const button = new QPushButton(tr("Apply"), this);
-  button->setObjectName("apply");
-  button->setAutoDefault(false);
+  m_apply->setObjectName("apply");
+  m_apply->setAutoDefault(false);
   m_expression->setObjectName("applyExpression");
   if (m_chart) {
     m_expression->setPlaceholderText(tr("For the selected cells: 2, v*1.5, i/10"));
@@ -254,12 +304,12 @@ void VntTableEditor::buildBelow() {
     m_expression->setPlaceholderText(tr("For the selected cells"));
     m_expression->setToolTip(tr("A text for all selected cells"));
   }
-  button->setToolTip(m_expression->toolTip());
+  m_apply->setToolTip(m_expression->toolTip());
   auto* const row = new QHBoxLayout;
   row->addWidget(m_expression, 1);
-  row->addWidget(button);
+  row->addWidget(m_apply);
   content()->addLayout(row);
-  connect(button, &QPushButton::clicked, this, &VntTableEditor::apply);
+  connect(m_apply, &QPushButton::clicked, this, &VntTableEditor::apply);
   connect(m_expression, &QLineEdit::returnPressed, this, &VntTableEditor::apply);
   m_summary->setObjectName("summary");
   m_summary->setTextFormat(Qt::PlainText);
@@ -274,6 +324,8 @@ void VntTableEditor::follow() {
   if (wasEmpty && m_model->rowCount() > 0 && !m_view->currentIndex().isValid())
     setCurrent(m_model->index(0, 0));
   m_scan->follow();
+  if (m_row) m_row->follow();
+  showParts();
 }
 
 void VntTableEditor::showEvent(QShowEvent* event) {

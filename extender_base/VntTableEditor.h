@@ -7,12 +7,14 @@
 
 class QAction;
 class QLineEdit;
+class QPushButton;
 class QModelIndex;
 class QTableView;
 class QToolBar;
 class VntTableChart;
 class VntTableDelegate;
 class VntTableModel;
+class VntTableRow;
 class VntTableScan;
 
 /// Editor for a field of any number of values: a table of them, with a chart when they are numbers. Rows are
@@ -23,12 +25,16 @@ class VntTableEditor : public VntEditorWidget {
   VntTableEditor(VntFieldEdit* edit, QWidget* parent);
   ~VntTableEditor() override;
 
+  void giveUp() override;
+  void setReadOnly(bool on) override;
+
  protected:
   /// The table follows the field also while a cell is open.
   void showValue() override {}
   QString valueText() const override;
   void escape() override;
   void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -38,6 +44,9 @@ class VntTableEditor : public VntEditorWidget {
   QAction* addAction(char const* name, QString const& text, QString const& tip,
                      std::function<void()> const& run, QKeySequence const& key = {});
   void buildBelow();
+  QAction* addSwitch(char const* name, QString const& text, QString const& tip, bool* shows);
+  /// The parts for which there are values, room and the user's wish.
+  void showParts();
 
   void follow();
   void showSummary();
@@ -69,9 +78,11 @@ class VntTableEditor : public VntEditorWidget {
   VntTableDelegate* m_delegate;
   VntTableScan* m_scan;
   VntTableChart* m_chart = nullptr; // for numbers
+  VntTableRow* m_row = nullptr;     // for types that have one
   QTableView* m_view;
   QList<QAction*> m_actions;
   QLineEdit* m_expression;
+  QPushButton* m_apply;
   QLabel* m_summary;
   bool m_isBehind = true; // not shown yet, or the field has changed while it was hidden
 };

@@ -15,6 +15,7 @@
 #include "extender_base/VntTableModel.h"
 #include "extender_base/VntTableText.h"
 #include "kestrava/fields/SoMField.h"
+#include "vnt/VntFieldEdit.h"
 
 namespace {
 
@@ -102,6 +103,7 @@ void VntTableEditor::goTo(int row) {
 }
 
 void VntTableEditor::editCell(QModelIndex const& index) {
+  if (!edit()->isEditable()) return;
   if (m_model->column(index.column()).kind == VntTableColumn::COLOR)
     chooseColor(index);
   else
@@ -112,7 +114,7 @@ void VntTableEditor::chooseColor(QModelIndex const& index) {
   auto* const dialog = new QColorDialog(QColor(index.data(Qt::EditRole).toString()), this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   int const row = index.row(), column = index.column();
-  dialog->setWindowTitle(tr("Color %1").arg(row));
+  dialog->setWindowTitle(tr("Colour %1").arg(row));
   connect(dialog, &QColorDialog::currentColorChanged, this,
           [=, this](QColor const& color) { showProblem(m_edits.previewText(row, column, color.name())); });
   connect(dialog, &QDialog::accepted, this, [this] { m_edits.finish(); });
@@ -234,7 +236,7 @@ bool VntTableEditor::eventFilter(QObject* watched, QEvent* event) {
   auto* const key = static_cast<QKeyEvent*>(event);
   bool const isPress = event->type() == QEvent::KeyPress;
   if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && isPress &&
-      m_view->currentIndex().isValid()) {
+      m_view->currentIndex().isValid() && edit()->isEditable()) {
     m_view->edit(m_view->currentIndex());
     return true;
   }

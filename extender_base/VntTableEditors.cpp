@@ -10,7 +10,7 @@ void addTableEditors(VntEditorTable& table) {
   };
   static constexpr Entry ENTRIES[] = {
       {"MField", "Any number of values"},
-      {"MFColor", "Colors"},
+      {"MFColor", "Colours"},
       {"MFFloat", "Numbers"},
       {"MFInt32", "Whole numbers"},
       {"MFMatrix", "Matrices"},

@@ -186,6 +186,13 @@ QString VntTableEdits::previewText(int row, int column, QString const& text) {
   });
 }
 
+QString VntTableEdits::previewValue(int row, SoField const& value) {
+  return tryCell(row, [&value](VntTableList& list, int index, int, std::uint32_t) {
+    list.setValue(index, value);
+    return QString();
+  });
+}
+
 void VntTableEdits::finish() {
   if (!m_trial) return;
   auto const trial = std::move(m_trial);

@@ -37,6 +37,8 @@ class VntTableEdits {
   /// A change that goes on until finish() or cancel().
   QString preview(int row, int column, double number);
   QString previewText(int row, int column, QString const& text);
+  /// The whole value, from a field of one such value.
+  QString previewValue(int row, SoField const& value);
   void finish();
   void cancel();
   bool isPreviewing() const { return m_trial != nullptr; }

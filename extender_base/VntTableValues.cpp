@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "kestrava/base/SoPath.h"
 #include "kestrava/fields/SoMFBitMask.h"
 #include "kestrava/fields/SoMFBool.h"
 #include "kestrava/fields/SoMFColor.h"
@@ -18,6 +19,8 @@
 #include "kestrava/fields/SoMFInt32.h"
 #include "kestrava/fields/SoMFMatrix.h"
 #include "kestrava/fields/SoMFName.h"
+#include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoMFPath.h"
 #include "kestrava/fields/SoMFPlane.h"
 #include "kestrava/fields/SoMFRotation.h"
 #include "kestrava/fields/SoMFShort.h"
@@ -25,6 +28,7 @@
 #include "kestrava/fields/SoMFTime.h"
 #include "kestrava/fields/SoMFUInt32.h"
 #include "kestrava/fields/SoMFUShort.h"
+#include "kestrava/fields/SoMFUniformShaderParameter.h"
 #include "kestrava/fields/SoMFVec2d.h"
 #include "kestrava/fields/SoMFVec2f.h"
 #include "kestrava/fields/SoMFVec2i32.h"
@@ -37,6 +41,7 @@
 #include "kestrava/fields/SoMFVec4f.h"
 #include "kestrava/fields/SoMFVec4i32.h"
 #include "kestrava/fields/SoNumbers.h"
+#include "kestrava/nodes/SoNode.h"
 #include "vnt/QtText.h"
 #include "vnt/VntFieldEdit.h"
 
@@ -190,6 +195,20 @@ void exchangeRuns(std::vector<T>& values, std::vector<T>& held, std::vector<VntT
   held = std::move(removed);
 }
 
+/// Orders values as VntTableAccess::reorder() says.
+template <class T>
+void giveOrder(std::vector<T>& values, int start, std::vector<int> const& order, bool back) {
+  auto const begin = values.begin() + start;
+  std::vector<T> old(std::make_move_iterator(begin),
+                     std::make_move_iterator(begin + static_cast<int>(order.size())));
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (back)
+      begin[order[i]] = std::move(old[i]);
+    else
+      begin[static_cast<int>(i)] = std::move(old[order[i]]);
+  }
+}
+
 /// While it lives, a field changes without telling anybody and keeps its default flag.
 class Silence {
  public:
@@ -251,6 +270,9 @@ template <class Field> class TypedList : public VntTableList {
     }
     return {};
   }
+  void setValue(int index, SoField const& single) override {
+    m_values[index] = static_cast<SoSFValue<T> const&>(single).getValue();
+  }
   bool isSame(int index, SoMField const& field, int row) const override {
     return m_values[index] == static_cast<Field const&>(field)[row];
   }
@@ -282,7 +304,7 @@ template <class Field, bool AsText = false> class TypedAccess : public VntTableA
   TypedAccess() {
     if constexpr (std::is_same_v<T, SbColor>) {
       for (QString const& name : {tr("r"), tr("g"), tr("b")}) m_columns.push_back(numberColumn<float>(name));
-      m_columns.push_back({tr("color"), VntTableColumn::COLOR});
+      m_columns.push_back({tr("colour"), VntTableColumn::COLOR});
       m_numNumbers = 3;
     } else if constexpr (!AsText && Parts<T>::COUNT > 0) {
       for (QString const& name : Parts<T>::names())
@@ -321,20 +343,56 @@ template <class Field, bool AsText = false> class TypedAccess : public VntTableA
     return std::make_unique<TypedList<Field>>(*this);
   }
   void reorder(SoMField& field, int start, std::vector<int> const& order, bool back) const override {
-    std::vector<T>& values = static_cast<Field&>(field).startEditing();
-    std::vector<T> old(std::make_move_iterator(values.begin() + start),
-                       std::make_move_iterator(values.begin() + start + static_cast<int>(order.size())));
-    for (std::size_t i = 0; i < order.size(); ++i) {
-      if (back)
-        values[start + order[i]] = std::move(old[i]);
-      else
-        values[start + i] = std::move(old[order[i]]);
-    }
+    giveOrder(static_cast<Field&>(field).startEditing(), start, order, back);
   }
 };
 
-/// Values of any type, which a field of the same type holds: references to nodes and paths stay what they
-/// are.
+/// References to nodes or paths.
+template <class Field> class ReferenceList : public VntTableList {
+  using T = SoRef<std::remove_pointer_t<typename Field::ValueType>>;
+
+ public:
+  int size() const override { return static_cast<int>(m_values.size()); }
+  void append(SoMField const& field, int start, int count) override {
+    for (int i = start; i < start + count; ++i) m_values.emplace_back(static_cast<Field const&>(field)[i]);
+  }
+  void appendDefaults(int count) override { m_values.resize(m_values.size() + count); }
+  void getNumbers(int, double*) const override {}
+  QString setNumbers(int, double const*, int*) override { return {}; }
+  QString setText(int index, QString const& text, SoMField&) override {
+    Field read;
+    if (!read.set1(0, text.toUtf8().constData()))
+      return tr("\"%1\" is no value of this type").arg(text.left(60));
+    m_values[index] = T(read[0]);
+    return {};
+  }
+  bool isSame(int index, SoMField const& field, int row) const override {
+    return m_values[index].get() == static_cast<Field const&>(field)[row];
+  }
+  void exchange(SoMField& field, std::vector<VntTableRun>& runs) override {
+    std::vector<T> values = all(field);
+    exchangeRuns(values, m_values, runs);
+    assign(field, values);
+  }
+  static std::vector<T> all(SoMField const& field) {
+    ReferenceList list;
+    list.append(field, 0, field.getNum());
+    return std::move(list.m_values);
+  }
+  static void assign(SoMField& field, std::vector<T> const& values) {
+    Silence const silence(field);
+    auto& typed = static_cast<Field&>(field);
+    if constexpr (std::is_same_v<Field, SoMFPath>)
+      typed.setValues(values);
+    else
+      typed.setValues({values.begin(), values.end()});
+  }
+
+ private:
+  std::vector<T> m_values;
+};
+
+/// Values of any other type, which a field of the same type holds.
 class AnyList : public VntTableList {
  public:
   explicit AnyList(SoMField const& like)
@@ -390,6 +448,7 @@ class AnyList : public VntTableList {
   std::unique_ptr<SoMField> m_values;
 };
 
+/// For values that have a text only.
 class AnyAccess : public VntTableAccess {
  public:
   AnyAccess() { m_columns.push_back({tr("value"), VntTableColumn::TEXT}); }
@@ -416,11 +475,28 @@ class AnyAccess : public VntTableAccess {
   }
 };
 
+template <class Field> class ReferenceAccess : public AnyAccess {
+ public:
+  std::unique_ptr<VntTableList> makeList(SoMField const&) const override {
+    return std::make_unique<ReferenceList<Field>>();
+  }
+  void reorder(SoMField& field, int start, std::vector<int> const& order, bool back) const override {
+    auto values = ReferenceList<Field>::all(field);
+    giveOrder(values, start, order, back);
+    ReferenceList<Field>::assign(field, values);
+  }
+};
+
 template <class... Fields> void addTyped(std::unordered_map<SoType, std::unique_ptr<VntTableAccess>>& table) {
   (table.emplace(Fields::getClassTypeId(), std::make_unique<TypedAccess<Fields>>()), ...);
 }
 template <class... Fields> void addWords(std::unordered_map<SoType, std::unique_ptr<VntTableAccess>>& table) {
   (table.emplace(Fields::getClassTypeId(), std::make_unique<TypedAccess<Fields, true>>()), ...);
+}
+
+template <class... Fields>
+void addReferences(std::unordered_map<SoType, std::unique_ptr<VntTableAccess>>& table) {
+  (table.emplace(Fields::getClassTypeId(), std::make_unique<ReferenceAccess<Fields>>()), ...);
 }
 
 } // namespace
@@ -432,6 +508,7 @@ VntTableAccess const& VntTableAccess::of(SoMField const& field) {
              SoMFShort, SoMFString, SoMFTime, SoMFUInt32, SoMFUShort, SoMFVec2d, SoMFVec2f, SoMFVec2i32,
              SoMFVec2s, SoMFVec3d, SoMFVec3f, SoMFVec3i32, SoMFVec3s, SoMFVec4d, SoMFVec4f, SoMFVec4i32>(all);
     addWords<SoMFBitMask, SoMFBool, SoMFEnum>(all);
+    addReferences<SoMFNode, SoMFPath, SoMFUniformShaderParameter>(all);
     return all;
   }();
   for (SoType type = field.getTypeId(); !type.isBad(); type = type.getParent()) {

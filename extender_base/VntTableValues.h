@@ -43,6 +43,8 @@ class VntTableList {
   virtual QString setNumbers(int index, double const* numbers, int* wrong = nullptr) = 0;
   /// Sets a column of text. `field` knows the symbols of enumerations; it stays as it is.
   virtual QString setText(int index, QString const& text, SoMField& field) = 0;
+  /// Sets a value to that of a field of one such value; for columns of numbers only.
+  virtual void setValue(int, SoField const&) {}
 
   /// True when a value is that of a row of the field.
   virtual bool isSame(int index, SoMField const& field, int row) const = 0;

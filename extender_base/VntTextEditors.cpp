@@ -220,6 +220,15 @@ QWidget* makeAnyEditor(VntFieldEdit* edit, QWidget* parent) {
   SoField const& field = *edit->getField();
   if (ReferenceEditor::isFor(field)) return makeEditor<ReferenceEditor>(edit, parent);
   if (field.isOfType(SoSFTrigger::getClassTypeId())) return makeEditor<TriggerEditor>(edit, parent);
+  static VntEditorTable const others = [] {
+    VntEditorTable table;
+    addOtherNumberEditors(table);
+    addOtherVectorEditors(table);
+    return table;
+  }();
+  for (VntEditorEntry const& other : others) {
+    if (field.isOfType(SoType::fromName(SbName(other.type)))) return other.create(edit, parent);
+  }
   return makeEditor<AnyValueEditor>(edit, parent);
 }
 

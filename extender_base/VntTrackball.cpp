@@ -28,7 +28,7 @@ QColor colorOf(int axis) {
 VntTrackball::VntTrackball(QWidget* parent) : VntPartEdit(parent) {
   setObjectName("trackball");
   setFocusPolicy(Qt::StrongFocus);
-  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
   setAccessibleName(tr("Trackball"));
   setToolTip(
       tr("Drag to turn; beside the ball, or with the wheel, about the direction of view.\n"
@@ -41,22 +41,23 @@ VntTrackball::VntTrackball(QWidget* parent) : VntPartEdit(parent) {
 }
 
 QSize VntTrackball::sizeHint() const { return QSize(132, 132); }
-QSize VntTrackball::minimumSizeHint() const { return sizeHint(); }
 
 void VntTrackball::setRotation(SbRotation const& rotation) {
   m_rotation = rotation;
   update();
 }
 
-double VntTrackball::radius() const { return std::min(width(), height()) / 2.0 - MARGIN; }
+int VntTrackball::side() const { return std::min(width(), height()); }
+double VntTrackball::radius() const { return side() / 2.0 - MARGIN; }
+QPointF VntTrackball::center() const { return QPointF(width() / 2.0, side() / 2.0); }
 
 QPointF VntTrackball::toScreen(SbVec3f const& point) const {
-  return QRectF(rect()).center() + QPointF(point[0], -point[1]) * radius();
+  return center() + QPointF(point[0], -point[1]) * radius();
 }
 
 // On the ball, or on its edge for a position beside it.
 SbVec3f VntTrackball::pointAt(QPointF const& position) const {
-  QPointF const offset = (position - QRectF(rect()).center()) / radius();
+  QPointF const offset = (position - center()) / radius();
   double const x = offset.x(), y = -offset.y(), beyond = 1 - x * x - y * y;
   return SbVec3f(x, y, beyond > 0 ? std::sqrt(beyond) : 0).normalized();
 }
@@ -65,17 +66,17 @@ void VntTrackball::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   if (!isEnabled()) painter.setOpacity(0.4);
-  QPointF const center = QRectF(rect()).center();
+  QPointF const middle = center();
   double const r = radius();
   QColor const base = palette().color(QPalette::Base);
-  QRadialGradient shade(center - QPointF(r, r) * 0.35, r * 1.5);
+  QRadialGradient shade(middle - QPointF(r, r) * 0.35, r * 1.5);
   shade.setColorAt(0, base.lightness() < 128 ? base.lighter(220) : base);
   shade.setColorAt(1, base.lightness() < 128 ? base : base.darker(150));
   painter.setBrush(shade);
   // The focus is shown at the ball: a frame would be for the whole square.
   painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2)
                             : QPen(palette().color(QPalette::Mid), 1));
-  painter.drawEllipse(center, r, r);
+  painter.drawEllipse(middle, r, r);
   painter.setBrush(Qt::NoBrush);
   for (bool isFront : {false, true}) {
     for (int axis = 0; axis < 3; ++axis) drawCircle(painter, axis, isFront);
@@ -116,7 +117,7 @@ void VntTrackball::drawAxis(QPainter& painter, int axis) const {
   QColor color = colorOf(axis);
   if (end[2] < -0.05f) color.setAlpha(110);
   painter.setPen(QPen(color, 2.5, Qt::SolidLine, Qt::RoundCap));
-  painter.drawLine(QRectF(rect()).center(), tip);
+  painter.drawLine(center(), tip);
   painter.setPen(Qt::NoPen);
   painter.setBrush(color);
   painter.drawEllipse(tip, 7, 7);
@@ -152,7 +153,8 @@ void VntTrackball::turn(SbVec3f const& axis, double steps) {
 }
 
 void VntTrackball::mousePressEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton) return VntPartEdit::mousePressEvent(event);
+  bool const isBelow = event->position().y() > side();
+  if (event->button() != Qt::LeftButton || isBelow) return VntPartEdit::mousePressEvent(event);
   endMotion(true);
   Q_EMIT beforeChange();
   m_motion = PRESSED;
@@ -163,7 +165,7 @@ void VntTrackball::mousePressEvent(QMouseEvent* event) {
 void VntTrackball::mouseMoveEvent(QMouseEvent* event) {
   if (m_motion != PRESSED && m_motion != DRAGGING) return;
   m_motion = DRAGGING;
-  QPointF const before = m_from - QRectF(rect()).center(), now = event->position() - QRectF(rect()).center();
+  QPointF const before = m_from - center(), now = event->position() - center();
   if (std::hypot(before.x(), before.y()) > radius()) {
     double const angle = std::atan2(-now.y(), now.x()) - std::atan2(-before.y(), before.x());
     setRotation(m_start * SbRotation(axisOf(2), static_cast<float>(angle)));

@@ -20,7 +20,6 @@ class VntTrackball : public VntPartEdit {
   bool isDragging() const { return m_motion != NONE; }
 
   QSize sizeHint() const override;
-  QSize minimumSizeHint() const override;
 
  protected:
   bool hasTypedText() const override { return false; }
@@ -36,7 +35,10 @@ class VntTrackball : public VntPartEdit {
  private:
   enum Motion { NONE, STEPPING, PRESSED, DRAGGING };
   void endMotion(bool keep);
+  // The ball is as large as it can be, at the top.
+  int side() const;
   double radius() const;
+  QPointF center() const;
   SbVec3f pointAt(QPointF const& position) const;
   QPointF toScreen(SbVec3f const& point) const;
   void turn(SbVec3f const& axis, double steps);

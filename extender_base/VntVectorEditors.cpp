@@ -13,18 +13,33 @@
 #include "extender_base/VntPartsEditor.h"
 #include "extender_base/VntPlaneEditor.h"
 #include "kestrava/base/SbVec3d.h"
+#include "kestrava/fields/SoSFBox2d.h"
 #include "kestrava/fields/SoSFBox2f.h"
+#include "kestrava/fields/SoSFBox2i32.h"
+#include "kestrava/fields/SoSFBox2s.h"
+#include "kestrava/fields/SoSFBox3d.h"
+#include "kestrava/fields/SoSFBox3f.h"
+#include "kestrava/fields/SoSFBox3i32.h"
 #include "kestrava/fields/SoSFBox3s.h"
+#include "kestrava/fields/SoSFColorRGBA.h"
+#include "kestrava/fields/SoSFVec2d.h"
 #include "kestrava/fields/SoSFVec2f.h"
 #include "kestrava/fields/SoSFVec2i32.h"
 #include "kestrava/fields/SoSFVec2s.h"
+#include "kestrava/fields/SoSFVec3d.h"
 #include "kestrava/fields/SoSFVec3f.h"
+#include "kestrava/fields/SoSFVec3i32.h"
+#include "kestrava/fields/SoSFVec3s.h"
+#include "kestrava/fields/SoSFVec4d.h"
 #include "kestrava/fields/SoSFVec4f.h"
+#include "kestrava/fields/SoSFVec4i32.h"
 
 namespace {
 
 template <class T> constexpr VntNumberEdit::Kind kindOf() {
-  return std::is_integral_v<T> ? VntNumberEdit::INTEGER : VntNumberEdit::SINGLE;
+  return std::is_integral_v<T>       ? VntNumberEdit::INTEGER
+         : std::is_same_v<T, double> ? VntNumberEdit::DOUBLE
+                                     : VntNumberEdit::SINGLE;
 }
 
 template <class T>
@@ -43,7 +58,13 @@ template <class Field> class VectorEditor : public VntPartsEditor {
 
   VectorEditor(VntFieldEdit* edit, QWidget* parent) : VntPartsEditor(edit, parent) {
     std::vector<VntComponent> components;
-    for (char const* name : {"x", "y", "z", "w"}) components.push_back({name, name, {}});
+    if constexpr (std::is_same_v<Vec, SbColorRGBA>)
+      components = {{"red", tr("R"), tr("Red, 0 to 1")},
+                    {"green", tr("G"), tr("Green, 0 to 1")},
+                    {"blue", tr("B"), tr("Blue, 0 to 1")},
+                    {"alpha", tr("A"), tr("Opacity, 0 to 1")}};
+    else
+      for (char const* name : {"x", "y", "z", "w"}) components.push_back({name, name, {}});
     components.resize(COUNT);
     m_row = makeComponents<Number>(components, COUNT, this);
     content()->addWidget(m_row);
@@ -193,4 +214,22 @@ void addVectorEditors(VntEditorTable& table) {
   table.push_back({"SFBox2f", "Box in the plane", makeEditor<BoxEditor<SoSFBox2f>>});
   table.push_back({"SFBox3s", "Box in space, of integers of 16 bits", makeEditor<BoxEditor<SoSFBox3s>>});
   table.push_back({"SFPlane", "Plane", makeEditor<VntPlaneEditor>});
+}
+
+void addOtherVectorEditors(VntEditorTable& table) {
+  char const* const vector = "Vector";
+  table.push_back({"SFVec2d", vector, makeEditor<VectorEditor<SoSFVec2d>>});
+  table.push_back({"SFVec3d", vector, makeEditor<VectorEditor<SoSFVec3d>>});
+  table.push_back({"SFVec3i32", vector, makeEditor<VectorEditor<SoSFVec3i32>>});
+  table.push_back({"SFVec3s", vector, makeEditor<VectorEditor<SoSFVec3s>>});
+  table.push_back({"SFVec4d", vector, makeEditor<VectorEditor<SoSFVec4d>>});
+  table.push_back({"SFVec4i32", vector, makeEditor<VectorEditor<SoSFVec4i32>>});
+  table.push_back({"SFColorRGBA", "Colour and opacity", makeEditor<VectorEditor<SoSFColorRGBA>>});
+  char const* const box = "Box";
+  table.push_back({"SFBox2d", box, makeEditor<BoxEditor<SoSFBox2d>>});
+  table.push_back({"SFBox2i32", box, makeEditor<BoxEditor<SoSFBox2i32>>});
+  table.push_back({"SFBox2s", box, makeEditor<BoxEditor<SoSFBox2s>>});
+  table.push_back({"SFBox3d", box, makeEditor<BoxEditor<SoSFBox3d>>});
+  table.push_back({"SFBox3f", box, makeEditor<BoxEditor<SoSFBox3f>>});
+  table.push_back({"SFBox3i32", box, makeEditor<BoxEditor<SoSFBox3i32>>});
 }

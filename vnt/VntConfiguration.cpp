@@ -51,8 +51,7 @@ class Reader {
   void readPlugins() {
     while (m_xml.readNextStartElement()) {
       if (at("loadPlugin")) {
-        QString const file = attribute("file");
-        if (!file.isEmpty()) m_result.modules.push_back({file, m_xml.lineNumber()});
+        m_result.modules.push_back({attribute("file"), m_xml.lineNumber()});
         m_xml.skipCurrentElement();
       } else {
         passOver();

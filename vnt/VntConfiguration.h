@@ -9,7 +9,7 @@ class QXmlStreamReader;
 /// What a configuration file says, element by element. Lines count from 1.
 struct VntConfiguration {
   struct Module {
-    QString file;
+    QString file; // empty when the attribute is missing
     qint64 line;
   };
   struct Reference {

@@ -71,9 +71,10 @@ VntFieldEdit::~VntFieldEdit() {
 void VntFieldEdit::fieldChangedCB(void* edit, SoSensor*) {
   auto* const self = static_cast<VntFieldEdit*>(edit);
   if (std::exchange(self->m_tellingQueued, true)) return;
-  // A field that changes all the time is told of no more often than a screen can show it.
-  constexpr qint64 FRAME = 16;
-  qint64 const wait = self->m_told.isValid() ? FRAME - self->m_told.elapsed() : 0;
+  // Of a field that changes all the time an editor shows no more than the eye takes for motion: drawing costs
+  // the host time.
+  constexpr qint64 INTERVAL = 40;
+  qint64 const wait = self->m_told.isValid() ? INTERVAL - self->m_told.elapsed() : 0;
   auto const tell = [self] {
     self->m_told.start();
     self->tellChanged();
@@ -142,12 +143,8 @@ bool VntFieldEdit::setValue(SoField const& value, QString const& what) {
 }
 
 bool VntFieldEdit::setText(QString const& text, QString const& what) {
-  if (!m_field) return false;
   bool const alone = !m_before;
-  if (alone) {
-    m_before = clone(*m_field);
-    m_wasDefault = m_field->isDefault();
-  }
+  if (!begin()) return false;
   SbString reason;
   if (!m_field->set(text.toUtf8().constData(), &reason)) {
     if (alone) m_before.reset();
@@ -159,7 +156,7 @@ bool VntFieldEdit::setText(QString const& text, QString const& what) {
   return true;
 }
 
-bool VntFieldEdit::preview(SoField const& value) {
+bool VntFieldEdit::begin() {
   if (!m_field) return false;
   if (!isEditable()) {
     Q_EMIT failed(m_field->isConnected()
@@ -172,9 +169,16 @@ bool VntFieldEdit::preview(SoField const& value) {
     m_before = clone(*m_field);
     m_wasDefault = m_field->isDefault();
   }
+  return true;
+}
+
+bool VntFieldEdit::preview(SoField const& value) {
+  bool const alone = !m_before;
+  if (!begin()) return false;
   SoDB::writelock();
   bool const taken = m_field->copyFrom(value);
   SoDB::writeunlock();
+  if (!taken && alone) m_before.reset();
   Q_EMIT failed(taken ? QString() : tr("The value is none for a field of this type."));
   return taken;
 }

@@ -16,6 +16,7 @@ class VntCommand;
 ///
 /// It holds no reference: when the field goes, with its node, gone() is sent and getField() is null from then
 /// on. Neither do the commands: a step on a field that has gone does nothing. GUI thread only.
+/// The virtual operations let the same editors change a part of another field, whose value this one stands for.
 class VntFieldEdit : public QObject {
   Q_OBJECT
  public:
@@ -28,7 +29,7 @@ class VntFieldEdit : public QObject {
   /// For an editor that was made for this type of field. Null once the field is gone.
   template <class Field> Field* getFieldAs() const { return static_cast<Field*>(m_field); }
   /// What an undo step is about: `translation of Transform "wheel"`.
-  QString getDescription() const;
+  virtual QString getDescription() const;
   /// False while the field follows another one, and for fields that only their node sets.
   bool isEditable() const;
 
@@ -37,7 +38,7 @@ class VntFieldEdit : public QObject {
   // already.
   bool setValue(SoField const& value, QString const& what = {});
   /// From the text form that files use. The reason of a failure is sent with failed().
-  bool setText(QString const& text, QString const& what = {});
+  virtual bool setText(QString const& text, QString const& what = {});
   /// For fields of one value of a plain type.
   template <class Field> bool set(typename Field::ValueType const& value, QString const& what = {}) {
     Field wanted;
@@ -46,17 +47,17 @@ class VntFieldEdit : public QObject {
   }
 
   // A drag: any number of previews, then one finish() or cancel(). Each preview is in the scene at once.
-  bool preview(SoField const& value);
+  virtual bool preview(SoField const& value);
   template <class Field> bool preview(typename Field::ValueType const& value) {
     Field wanted;
     wanted.setValue(value);
     return preview(wanted);
   }
-  bool isPreviewing() const { return m_before != nullptr; }
+  virtual bool isPreviewing() const { return m_before != nullptr; }
   /// Makes one step of what the previews have changed; none when the value is that from before.
-  void finish(QString const& what = {});
+  virtual void finish(QString const& what = {});
   /// Gives back the value from before.
-  void cancel();
+  virtual void cancel();
 
   /// Hands over a command of the editor's own, for changes of a part of a large field. The command holds what
   /// it needs to run when this object is gone.
@@ -87,6 +88,8 @@ class VntFieldEdit : public QObject {
   static void fieldChangedCB(void* edit, SoSensor*);
   static void fieldDiesCB(void* edit, SoSensor*);
   void tellChanged();
+  /// Notes the value from before. False, with failed() sent, when the field can not be edited.
+  bool begin();
   void push(std::unique_ptr<VntCommand> command);
 
   SoField* m_field;

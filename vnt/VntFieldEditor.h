@@ -15,7 +15,7 @@ class VntFieldEdit;
 class VntFieldEditor : public VntExtension {
  public:
   /// A new widget that shows and changes the field of `edit`, which outlives it. It is made for that field
-  /// alone and destroyed when another one is selected or the field goes. Null: this field is better edited by
-  /// the editor of a more general type.
+  /// alone and destroyed when another one is selected or the field goes. Null: another editor is asked, one
+  /// that was there for this type before, or else one of a more general type.
   virtual QWidget* createEditor(VntFieldEdit* edit, QWidget* parent) = 0;
 };

@@ -113,6 +113,10 @@ struct VntPluginsManager::Private {
   }
 
   void loadModule(VntConfiguration::Module const& module, QStringList const& folders) {
+    if (module.file.isEmpty()) {
+      ++absentModules; // told by the reader
+      return;
+    }
     VntPluginLibrary library(module.file, folders);
     VntPluginInfo const& info = library.getInfo();
     LoadedPlugin const* const other = info.name.isEmpty() ? nullptr : findPlugin(info.name);
@@ -164,15 +168,22 @@ struct VntPluginsManager::Private {
       return nullptr;
     }
     VntExtension* extension = nullptr;
-    bool const called = call({wanted.plugin, nullptr}, tr("getting extension \"%1\"").arg(wanted.extension),
-                             [&] { extension = loaded->plugin->getExtension(toSbString(wanted.extension)); });
+    bool const called = getExtension(*loaded, toSbString(wanted.extension), extension);
     if (!extension && called) {
       complain(at(wanted.line) +
                tr("plug-in \"%1\" names the extension \"%2\" in its metadata but does not have it")
                    .arg(wanted.plugin, wanted.extension));
     }
-    if (extension) pluginOf[extension] = wanted.plugin;
     return extension;
+  }
+
+  /// False when an exception left the plug-in.
+  bool getExtension(LoadedPlugin const& loaded, SbString const& name, VntExtension*& extension) {
+    bool const called =
+        call({loaded.info.name, nullptr}, tr("getting extension \"%1\"").arg(toQString(name)),
+             [&] { extension = loaded.plugin->getExtension(name); });
+    if (extension) pluginOf[extension] = loaded.info.name;
+    return called;
   }
 
   /// Once a plug-in, and not where that only follows from a module that could not be loaded: which plug-in is
@@ -299,7 +310,9 @@ bool VntPluginsManager::read(SbString const& textOrPath, bool isFile) {
 
 VntExtension* VntPluginsManager::getExtension(SbString const& plugin, SbString const& extension) const {
   LoadedPlugin const* const loaded = m_private->findPlugin(toQString(plugin));
-  return loaded ? loaded->plugin->getExtension(extension) : nullptr;
+  VntExtension* result = nullptr;
+  if (loaded) m_private->getExtension(*loaded, extension, result);
+  return result;
 }
 
 std::vector<VntPluginInfo> VntPluginsManager::getPlugins() const {
@@ -312,9 +325,11 @@ bool VntPluginsManager::call(VntExtension* extension, char const* what,
                              std::function<void()> const& function) {
   Private alone; // there need not be a manager
   Private& p = instance ? *instance->m_private : alone;
-  p.problems.clear();
+  // A configuration may be being read, whose problems are shown later.
+  QStringList const before = std::exchange(p.problems, {});
   bool const ok = p.call({p.pluginOf[extension], extension}, QLatin1String(what), function);
   if (!ok) showInStatusBar(p.problems);
+  p.problems = before + p.problems;
   return ok;
 }
 

@@ -37,7 +37,8 @@ class VntShell : public QObject {
   /// In the menu bar.
   virtual void registerMenu(QMenu* menu) = 0;
   /// Adds an entry with a check mark to the view menu that shows and hides the extension. The mark follows
-  /// the dock, when the extension has registered one in a call by the program (its activate(), say).
+  /// the dock, when the extension has registered one in a call by the program (its activate(), say). An
+  /// extension has one entry: for another one nothing happens.
   virtual void registerViewMenu(VntExtension* extension, int checked) = 0;
   virtual void unregisterContextualMenu(QMenu* menu) = 0;
   virtual void unregisterMenu(QMenu* menu) = 0;

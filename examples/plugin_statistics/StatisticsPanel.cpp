@@ -88,9 +88,8 @@ StatisticsPanel::StatisticsPanel(QWidget* parent) : QWidget(parent), m_sensor(no
     m_table->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
   }
   m_table->sortByColumn(Preferences::NODES, Qt::DescendingOrder);
-  m_table->header()->setStretchLastSection(false);
   m_table->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  m_table->header()->setSectionResizeMode(Preferences::TYPE, QHeaderView::Stretch);
+  m_table->header()->setStretchLastSection(false);
 
   auto* const head = new QHBoxLayout;
   head->addWidget(m_icon);
@@ -127,6 +126,14 @@ void StatisticsPanel::showEvent(QShowEvent* event) {
 void StatisticsPanel::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   m_timer.stop();
+}
+
+void StatisticsPanel::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  // In a narrow dock the table scrolls sideways: without the types the numbers are of no use.
+  bool const isNarrow = width() < 50 * fontMetrics().horizontalAdvance('n');
+  m_table->header()->setSectionResizeMode(
+      Preferences::TYPE, isNarrow ? QHeaderView::ResizeToContents : QHeaderView::Stretch);
 }
 
 void StatisticsPanel::updateSettings() {

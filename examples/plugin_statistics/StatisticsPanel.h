@@ -27,6 +27,7 @@ class StatisticsPanel : public QWidget {
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   static void nodeChangedCB(void* panel, SoSensor*);

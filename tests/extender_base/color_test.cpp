@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QSlider>
 #include <QToolButton>
+#include <QWheelEvent>
 #include <cmath>
 
 #include "kestrava/fields/SoSFColor.h"
@@ -127,12 +128,25 @@ TEST_F(ColorTest, ADragIsOneStepAndEscapeGivesBack) {
   EXPECT_EQ(color(), dragged);
   EXPECT_EQ(countSteps(), 1);
 
-  // A key that is held is one step, too.
+  // So are keys and turns of the wheel one after the other.
   slider->setFocus();
-  for (int i = 0; i < 5; ++i) QTest::keyPress(slider, Qt::Key_Left);
-  QTest::keyRelease(slider, Qt::Key_Left);
+  for (int i = 0; i < 5; ++i) QTest::keyClick(slider, Qt::Key_Left);
   EXPECT_NEAR(color()[1], dragged[1] - 0.05, 0.002);
+  QPointF const middle = slider->rect().center();
+  for (int i = 0; i < 3; ++i) {
+    QWheelEvent wheel(middle, slider->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(slider, &wheel);
+  }
+  EXPECT_LT(color()[1], dragged[1] - 0.07);
+  QTest::keyClick(slider, Qt::Key_Tab);
   EXPECT_EQ(countSteps(), 2);
+  undo();
+  EXPECT_EQ(color(), dragged);
+
+  // Taking hold of the handle beside its middle moves nothing.
+  ASSERT_TRUE(waitFor([&] { return line("green")->text().toFloat() == dragged[1]; }));
+  QTest::mouseClick(slider, Qt::LeftButton, {}, at(slider, dragged[1]) + QPoint(3, 0));
+  EXPECT_EQ(color(), dragged);
 }
 
 TEST_F(ColorTest, HueStaysWhileAColorPassesThroughGrey) {

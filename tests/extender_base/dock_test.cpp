@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QSlider>
 
 #include "kestrava/nodes/SoDirectionalLight.h"
@@ -205,6 +206,17 @@ TEST_F(DockTest, ProblemsAreReadableOnEveryPalette) {
   dark.setColor(QPalette::WindowText, Qt::white);
   panel()->setPalette(dark);
   EXPECT_GT(contrast(), 100);
+}
+
+TEST_F(DockTest, AMaximisedWindowPutsItInItsPlaceAgain) {
+  frame()->showMaximized();
+  ASSERT_TRUE(waitFor([&] { return frame()->isMaximized(); }));
+  viewer()->saveMainFrameSettings();
+  SoVantleImpl::stop(true);
+  startAttached(new SoSphere);
+  EXPECT_EQ(frame()->dockWidgetArea(dock()), Qt::RightDockWidgetArea);
+  EXPECT_GT(dock()->y(), frame()->menuBar()->geometry().bottom());
+  EXPECT_GT(dock()->x(), frame()->width() / 4);
 }
 
 } // namespace

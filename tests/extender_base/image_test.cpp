@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QSpinBox>
 #include <QToolButton>
+#include <QWheelEvent>
 
 #include "kestrava/base/SbImageReader.h"
 #include "kestrava/nodes/SoSeparator.h"
@@ -154,6 +155,22 @@ TEST_F(ImageTest, TheClipboardTakesAndGivesImages) {
   press("imagePaste");
   EXPECT_EQ(problem(), "There is no image on the clipboard.");
   EXPECT_EQ(countSteps(), 3);
+}
+
+TEST_F(ImageTest, AWheelThatScrollsPastConvertsNothing) {
+  auto* const list = find<QComboBox>("imageComponents");
+  EXPECT_EQ(list->focusPolicy(), Qt::StrongFocus);
+  auto const turn = [&] {
+    QPointF const at = list->rect().center();
+    QWheelEvent wheel(at, list->mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(list, &wheel);
+  };
+  find<QToolButton>("imageCopy")->setFocus();
+  turn();
+  EXPECT_EQ(image(), original);
+  list->setFocus();
+  turn();
+  EXPECT_EQ(image().getNumComponents(), 3);
 }
 
 TEST_F(ImageTest, SlicesAreShownAndConvertedTogether) {

@@ -287,6 +287,42 @@ TEST_F(NumberTest, TheSliderDragsWithinTheUsualRange) {
   EXPECT_EQ(countSteps(), steps + 1);
 }
 
+TEST_F(NumberTest, DoublesAndTimesHaveAllTheirDigits) {
+  for (char const* type : {"SFDouble", "SFTime"}) {
+    SCOPED_TRACE(type);
+    editOdd(type, "0.1");
+    int const steps = countSteps();
+    EXPECT_EQ(line()->text(), "0.1");
+    enter("1/3");
+    EXPECT_EQ(value(), "0.3333333333333333");
+    enter("one");
+    EXPECT_FALSE(problem().isEmpty());
+    EXPECT_EQ(line()->text(), "one");
+    enter("-1");
+    EXPECT_EQ(problem(), "");
+    // From -2 to 2; a tick is 0.004, and nothing finer is to be seen.
+    auto* const slider = find<QSlider>("slider");
+    QTest::mousePress(slider, Qt::LeftButton, {}, QPoint(1, slider->height() / 2));
+    for (int x = 1; x < slider->width(); ++x) {
+      QTest::mouseMove(slider, QPoint(x, slider->height() / 2));
+      ASSERT_LE(value().size(), std::string("-1.996").size()) << value();
+    }
+    QTest::mouseRelease(slider, Qt::LeftButton);
+    EXPECT_EQ(value(), "2");
+    EXPECT_EQ(countSteps(), steps + 3);
+  }
+}
+
+TEST_F(NumberTest, ATimeOfDayStepsByTenthsOfASecond) {
+  editOdd("SFTime", "1795000000.5");
+  focusLine();
+  for (int i = 0; i < 3; ++i) QTest::keyClick(line(), Qt::Key_Up);
+  EXPECT_EQ(line()->text(), "1795000000.8");
+  EXPECT_EQ(value(), "1795000000.8");
+  QTest::keyClick(line(), Qt::Key_Escape);
+  EXPECT_EQ(value(), "1795000000.5");
+}
+
 TEST_F(NumberTest, TheFieldGoesInTheMiddleOfADrag) {
   auto* const scene = new SoSeparator;
   edit(scene, "renderCaching");

@@ -2,12 +2,20 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
+#include <stdexcept>
 
 #include "kestrava/engines/SoCalculator.h"
+#include "kestrava/fields/SoSFBool.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoSphere.h"
 #include "tests/extender_base/EditorTest.h"
+#include "tests/vantle/ErrorLog.h"
+#include "vnt/VntFieldEdit.h"
+#include "vnt/VntFieldEditor.h"
+#include "vnt/VntPluginsManager.h"
 #include "vnt/VntServices.h"
 
 namespace {
@@ -89,6 +97,44 @@ TEST_F(PanelTest, AFieldThatGoesTakesItsEditorAlong) {
   sphere.reset();
   EXPECT_EQ(find<QLabel>("fieldName")->text(), "No field is selected");
   QCoreApplication::processEvents();
+}
+
+/// One that a plug-in brings and that never comes to anything.
+struct FailingEditor : VntFieldEditor {
+  SbString getName() const override { return "SFFloat"; }
+  SbString getInfo() const override { return "Failing"; }
+  QWidget* createEditor(VntFieldEdit*, QWidget*) override { throw std::runtime_error("no editor today"); }
+};
+
+TEST_F(PanelTest, AnEditorThatThrowsIsToldAndTheNextOneTaken) {
+  static FailingEditor failing; // the panel knows it until the session ends
+  auto* const sphere = new SoSphere;
+  edit(sphere, "radius");
+  VntExtension* const dock = VntPluginsManager::getInstance()->getExtension("VntDefaults", "Field Editor");
+  ASSERT_TRUE(dock->addControlled(&failing));
+  VntServices::getInstance()->setSelectedField(nullptr);
+  ErrorLog<SoDebugError> errors;
+  VntServices::getInstance()->setSelectedField(&sphere->radius);
+  ASSERT_EQ(errors.texts.size(), 1);
+  EXPECT_TRUE(errors.texts[0].contains("createEditor() failed: no editor today")) << qPrintable(errors.texts[0]);
+  EXPECT_TRUE(find<QLineEdit>("number")) << "the editor that was there before";
+}
+
+TEST_F(PanelTest, AnEditorCanNotSetWhatIsConnectedOrOfAnotherType) {
+  auto* const sphere = new SoSphere;
+  edit(sphere, "radius");
+  VntFieldEdit edit(&sphere->radius);
+  QSignalSpy const problems(&edit, &VntFieldEdit::failed);
+  EXPECT_FALSE(edit.preview(SoSFBool()));
+  EXPECT_FALSE(edit.isPreviewing()) << "nothing that a later value could be replaced by";
+
+  auto const other = SoRef<SoSphere>(new SoSphere);
+  sphere->radius.connectFrom(&other->radius);
+  EXPECT_FALSE(edit.setText("4"));
+  EXPECT_EQ(value(), "1");
+  EXPECT_EQ(countSteps(), 0);
+  ASSERT_EQ(problems.size(), 2);
+  EXPECT_EQ(problems[1][0].toString(), "The field follows radius; disconnect it first.");
 }
 
 } // namespace

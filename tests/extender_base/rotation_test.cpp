@@ -41,6 +41,10 @@ class RotationTest : public EditorTest {
   QString axis() const { return shown("axisX") + " " + shown("axisY") + " " + shown("axisZ"); }
   SbRotation const& rotation() const { return m_node->rotation.getValue(); }
   QWidget* ball() const { return find<QWidget>("trackball"); }
+  /// Of the ball, which is at the top of its widget.
+  QPoint middle() const {
+    return QPoint(ball()->width() / 2, std::min(ball()->width(), ball()->height()) / 2);
+  }
 
  private:
   SoRef<SoTransform> m_node;
@@ -135,10 +139,19 @@ TEST_F(RotationTest, EulerAnglesTurnInTheirOrderAndDoNotJump) {
   EXPECT_TRUE(rotation().equals(all, 1e-6f));
 }
 
+TEST_F(RotationTest, EulerAnglesFollowATurningProgramWithoutJumps) {
+  editRotation("0 1 0 0");
+  for (int degrees : {60, 85, 95, 130, 179, -178, -95, -80, 0}) {
+    static_cast<SoSFRotation*>(field())->setValue(
+        SbRotation(SbVec3f(0, 1, 0), static_cast<float>(degrees) * PI / 180));
+    EXPECT_TRUE(waitFor([&] { return euler() == QString("0 %1 0").arg(degrees); })) << qPrintable(euler());
+  }
+}
+
 TEST_F(RotationTest, TheBallTurnsByDraggingInOneStep) {
   editRotation("0 0 1 0");
   QWidget* const view = ball();
-  QPoint const center = view->rect().center();
+  QPoint const center = middle();
   int const radius = std::min(view->width(), view->height()) / 2 - 9;
   auto dragRight = [&] {
     QTest::mousePress(view, Qt::LeftButton, {}, center);
@@ -177,6 +190,21 @@ TEST_F(RotationTest, TheBallTurnsByDraggingInOneStep) {
   EXPECT_TRUE(rotation().equals(SbRotation(SbVec3f(0, 0, 1), PI / 2), 0.02f)) << value();
 }
 
+TEST_F(RotationTest, TheBallGrowsWithTheDock) {
+  editRotation("0 0 1 0");
+  auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
+  dock->setFloating(true);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(dock));
+  auto const side = [&] { return std::min(ball()->width(), ball()->height()); };
+  for (int width : {300, 700}) {
+    dock->resize(width, 260);
+    ASSERT_TRUE(waitFor([&] { return dock->height() < 300 && side() < 200; })) << width << ": " << side();
+    dock->resize(width, 700);
+    EXPECT_TRUE(waitFor([&] { return side() > 220; })) << width << ": " << side();
+  }
+  dock->setFloating(false);
+}
+
 TEST_F(RotationTest, TheBallTurnsByKeysAndWheel) {
   editRotation("0 0 1 0");
   QWidget* const view = ball();
@@ -205,7 +233,7 @@ TEST_F(RotationTest, TheFieldMayGoDuringADrag) {
   auto other = std::make_unique<SoRef<SoTransform>>(new SoTransform);
   VntServices::getInstance()->setSelectedField(&(*other)->rotation);
   QPointer<QWidget> const view = ball();
-  QPoint const center = view->rect().center();
+  QPoint const center = middle();
   QTest::mousePress(view, Qt::LeftButton, {}, center);
   QTest::mouseMove(view, center + QPoint(10, 10));
   ASSERT_FALSE((*other)->rotation.getValue().isIdentity());

@@ -1,10 +1,14 @@
 // Tables of values: each type of field, by keys, mouse and clipboard.
 
 #include <QColorDialog>
+#include <QElapsedTimer>
+#include <QGroupBox>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
+#include <QScrollBar>
 #include <cmath>
 
 #include "kestrava/fields/SoMFFloat.h"
@@ -15,6 +19,7 @@
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoSphere.h"
 #include "tests/extender_base/TableTest.h"
+#include "vantle/frame/SoVantleMainFrame.h"
 #include "vnt/VntServices.h"
 
 namespace {
@@ -113,6 +118,137 @@ TEST_F(TableTest, NodesKeepTheirIdentityInAFieldOfAnyType) {
   undo();
   redo();
   EXPECT_TRUE(nodes[0] == sphere && nodes[1] == cube);
+}
+
+TEST_F(TableTest, ManyNodesAreTurnedRoundInNoTime) {
+  editOwn("MFNode", "[ ]");
+  auto& nodes = *static_cast<SoMFNode*>(field());
+  std::vector<SoNode*> cubes(5000);
+  for (SoNode*& cube : cubes) cube = new SoCube;
+  nodes.setValues(cubes);
+  ASSERT_TRUE(waitFor([this] { return table()->model()->rowCount() == 5000; }));
+  QElapsedTimer timer;
+  timer.start();
+  trigger("reverse");
+  EXPECT_LT(timer.elapsed(), 2000);
+  EXPECT_TRUE(nodes[0] == cubes.back() && nodes[4999] == cubes.front());
+  undo();
+  EXPECT_TRUE(nodes[0] == cubes.front() && nodes[4999] == cubes.back());
+}
+
+TEST_F(TableTest, AConnectedFieldCanBeReadAndCopied) {
+  auto* const source = new SoCoordinate3;
+  auto* const node = new SoCoordinate3;
+  source->point.setValues({SbVec3f(1, 2, 3), SbVec3f(4, 5, 6)});
+  node->point.connectFrom(&source->point);
+  auto* const scene = new SoSeparator;
+  scene->addChild(source);
+  scene->addChild(node);
+  edit(scene, "renderCaching");
+  VntServices::getInstance()->setSelectedField(&node->point);
+  EXPECT_TRUE(table()->isEnabled() && table()->verticalScrollBar()->isEnabled());
+  select(0, 0, 1, 1);
+  press(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(clipboard(), "1\t2\n4\t5\n");
+  for (Qt::Key key : {Qt::Key_Delete, Qt::Key_Insert, Qt::Key_Return, Qt::Key_5}) press(key);
+  press(Qt::Key_V, Qt::ControlModifier);
+  QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {},
+                     table()->visualRect(table()->currentIndex()).center());
+  EXPECT_FALSE(openLine());
+  EXPECT_FALSE(find<QLineEdit>("applyExpression")->isEnabled());
+  EXPECT_EQ(problem(), "");
+  EXPECT_EQ(countSteps(), 0);
+  source->point.set1Value(1, SbVec3f(7, 8, 9));
+  EXPECT_TRUE(waitFor([this] { return cell(1, 0) == "7"; }));
+  QTest::mouseClick(find<QPushButton>("disconnect"), Qt::LeftButton);
+  ASSERT_TRUE(waitFor([this] { return find<QLineEdit>("applyExpression")->isEnabled(); }));
+  typeCell(0, 0, "5");
+  EXPECT_EQ(node->point[0], SbVec3f(5, 2, 3));
+}
+
+/// With room for the editor of the current value below the table.
+class TableRowTest : public TableTest {
+ public:
+  void editTall(char const* type, char const* value) {
+    editOwn(type, value);
+    makeRoom();
+  }
+  void makeRoom() {
+    auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
+    dock->setFloating(true);
+    dock->resize(500, 900);
+    dock->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dock));
+    ASSERT_TRUE(waitFor([this] { return row()->isVisible(); }));
+  }
+  QGroupBox* row() const { return find<QGroupBox>("tableRow"); }
+};
+
+TEST_F(TableRowTest, AColorOfManyIsEditedAsTheOnlyOneIs) {
+  editTall("MFColor", "[ 1 0 0, 0 1 0 ]");
+  goTo(1, 0);
+  EXPECT_EQ(row()->title(), "Value 1");
+  EXPECT_EQ(find<QLineEdit>("colorText")->text(), "#00ff00");
+  type(find<QLineEdit>("colorText"), "blue");
+  EXPECT_EQ(value(), "[ 1 0 0, 0 0 1 ]");
+  EXPECT_EQ(countSteps(), 1);
+  type(find<QLineEdit>("colorText"), "blew");
+  EXPECT_TRUE(problem().contains("\"blew\" is no colour")) << problem().toStdString();
+  QTest::keyClick(find<QLineEdit>("colorText"), Qt::Key_Escape);
+  EXPECT_EQ(find<QLineEdit>("colorText")->text(), "#0000ff");
+
+  // Steps are shown at once, and are one step in the end or none.
+  auto* const green = find<QLineEdit>("green");
+  green->setFocus();
+  for (int i = 0; i < 5; ++i) QTest::keyClick(green, Qt::Key_Up);
+  EXPECT_EQ(value(), "[ 1 0 0, 0 0.05 1 ]");
+  QTest::keyClick(green, Qt::Key_Escape);
+  EXPECT_EQ(value(), "[ 1 0 0, 0 0 1 ]");
+  for (int i = 0; i < 5; ++i) QTest::keyClick(green, Qt::Key_Up);
+  QTest::keyClick(green, Qt::Key_Return);
+  EXPECT_EQ(value(), "[ 1 0 0, 0 0.05 1 ]");
+  EXPECT_EQ(countSteps(), 2);
+  EXPECT_EQ(cell(1, 1), "0.05");
+  undo();
+  undo();
+  EXPECT_EQ(value(), "[ 1 0 0, 0 1 0 ]");
+  EXPECT_TRUE(waitFor([this] { return find<QLineEdit>("colorText")->text() == "#00ff00"; }));
+
+  // What is typed for one value is none of the next one's, nor of another field's.
+  type(find<QLineEdit>("colorText"), "white", false);
+  VntServices::getInstance()->setSelectedField(nullptr);
+  VntServices::getInstance()->setSelectedField(field());
+  EXPECT_EQ(value(), "[ 1 0 0, 0 1 0 ]");
+  ASSERT_TRUE(waitFor([this] { return row()->isVisible(); }));
+  type(find<QLineEdit>("colorText"), "white", false);
+  goTo(1, 0);
+  EXPECT_EQ(find<QLineEdit>("colorText")->text(), "#00ff00");
+  EXPECT_EQ(value(), "[ 1 0 0, 0 1 0 ]");
+}
+
+TEST_F(TableRowTest, TheProgramTakesTheValuesAway) {
+  editTall("MFRotation", "[ 0 0 1 0, 1 0 0 2 ]");
+  goTo(1, 0);
+  static_cast<SoMField*>(field())->deleteValues(0);
+  EXPECT_TRUE(waitFor([this] { return row()->title() == "No value"; }));
+  undo();
+  press(Qt::Key_Insert);
+  EXPECT_TRUE(waitFor([this] { return row()->title() == "Value 0"; }));
+  EXPECT_EQ(countSteps(), 1);
+}
+
+TEST_F(TableRowTest, FoldsWhereThereIsNoRoom) {
+  editTall("MFColor", "1 0 0");
+  EXPECT_FALSE(find<QWidget>("chart")->isVisible()); // of one value there is nothing to see
+  auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
+  dock->resize(400, 320);
+  EXPECT_TRUE(waitFor([this] { return !row()->isVisible(); }));
+  dock->resize(400, 800);
+  EXPECT_TRUE(waitFor([this] { return row()->isVisible(); }));
+  find<QAction>("showRow")->trigger();
+  EXPECT_FALSE(row()->isVisible());
+  find<QAction>("showRow")->trigger();
+  EXPECT_TRUE(row()->isVisible());
 }
 
 TEST_F(TableTest, WhatHasUnitLengthSaysWhyItStays) {

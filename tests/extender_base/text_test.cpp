@@ -12,12 +12,16 @@
 #include "kestrava/engines/SoGlobalField.h"
 #include "kestrava/fields/SoSFNode.h"
 #include "kestrava/fields/SoSFPath.h"
+#include "kestrava/fields/SoSField.h"
 #include "kestrava/nodes/SoImageBackground.h"
 #include "kestrava/nodes/SoInfo.h"
 #include "kestrava/nodes/SoLabel.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "tests/extender_base/EditorTest.h"
 #include "vnt/VntServices.h"
+
+/// A type of a host's own.
+SO_SFIELD(SoSFMoment, SbTime)
 
 namespace {
 
@@ -166,7 +170,7 @@ TEST_F(TextTest, ANameThatTheObjectDoesNotTakeStaysForMending) {
 }
 
 TEST_F(TextTest, AnyValueInItsFileForm) {
-  editOdd("SFTime", "2.5");
+  editOdd("SFMoment", "2.5");
   EXPECT_EQ(line()->text(), "2.5");
   type(line(), "7");
   EXPECT_EQ(value(), "7");

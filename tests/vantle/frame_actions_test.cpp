@@ -8,6 +8,7 @@
 #include <QToolButton>
 #include <map>
 
+#include "kestrava/base/SoPreferences.h"
 #include "kestrava/nodes/SoCube.h"
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoCommandManager.h"
@@ -15,10 +16,19 @@
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
 #include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/QtText.h"
 
 namespace {
 
-using FrameTest = VantleTest;
+/// The frame as it is by itself: no plug-in, the default one neither, adds entries.
+class FrameTest : public VantleTest {
+ protected:
+  FrameTest() {
+    SoPreferences::setValue("KSV_VANTLE_CONFIGURATION_FILE",
+                            toSbString(writeFile("none.xml", "<configuration/>")));
+  }
+  ~FrameTest() override { SoPreferences::removeValue("KSV_VANTLE_CONFIGURATION_FILE"); }
+};
 
 QString const CATEGORIES =
     "Appearance|Callback|Camera|Group|Light|Manipulator|Nodekit|Property|Selection|Separator|Shape|Switch|"

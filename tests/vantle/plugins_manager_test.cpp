@@ -4,6 +4,7 @@
 #include <QDockWidget>
 
 #include "tests/vantle/PluginsTest.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vnt/VntPluginLibrary.h"
 #include "vnt/VntShell.h"
 
@@ -100,7 +101,8 @@ TEST_F(PluginsTest, SaysWhatIsWrongWithAConfiguration) {
       {"", true, false, {"c.xml:1: "}},
       {"<configuration/>", true, true, {}},
       {"<configuration><later><thing/></later></configuration>", true, true, {}},
-      {"<configuration><plugins><loadPlugin/></plugins></configuration>",
+      {"<configuration><plugins><loadPlugin/></plugins><profiles default=\"P\"><profile name=\"P\">"
+       "<activeExtension plugin=\"X\" extension=\"Y\"/></profile></profiles></configuration>",
        true,
        true,
        {"no attribute \"file\""}},
@@ -174,6 +176,26 @@ TEST_F(PluginsTest, ProblemsStandTogetherInTheStatusBarAndTheRestWorks) {
   EXPECT_TRUE(VntPluginsManager::getInstance()->getExtension("Sample", "Good"));
   EXPECT_FALSE(VntPluginsManager::getInstance()->getExtension("Sample", "Better"));
   EXPECT_FALSE(VntPluginsManager::getInstance()->getExtension("Other", "Good"));
+}
+
+TEST_F(PluginsTest, AFaultyConfigurationLeavesTheFieldEditors) {
+  SoPreferences::removeValue("KSV_VANTLE_PLUGIN_PATH");
+  struct Case {
+    QString file;
+    QByteArray text;
+    char const* told;
+  } const cases[] = {{"faulty.xml", "<configuration>\n<plugins>", "faulty.xml:2: "},
+                     {"none.xml", "", "none.xml: No such file"}};
+  for (Case const& c : cases) {
+    QString const file = c.text.isEmpty() ? folder() + '/' + c.file : writeFile(c.file, c.text);
+    SoPreferences::setValue("KSV_VANTLE_CONFIGURATION_FILE", toSbString(file));
+    ErrorLog<SoDebugError> errors;
+    start();
+    EXPECT_EQ(errors.texts.size(), 1) << qPrintable(errors.texts.join("\n"));
+    EXPECT_TRUE(statusBar().startsWith(c.told)) << qPrintable(statusBar());
+    EXPECT_TRUE(VntPluginsManager::getInstance()->getExtension("VntDefaults", "Field Editor")) << c.told;
+    SoVantleImpl::stop(true);
+  }
 }
 
 TEST_F(PluginsTest, AnExtensionThatCanNotBeControlledIsTold) {

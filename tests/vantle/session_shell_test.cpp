@@ -56,7 +56,10 @@ TEST_F(ShellTest, ViewMenuShowsAndHidesAnExtension) {
   start();
   VntShell* const shell = VntShell::getInstance();
   Panel panel;
+  qsizetype const before = frame()->getViewMenu()->actions().size();
   shell->registerViewMenu(&panel, 1);
+  shell->registerViewMenu(&panel, 0);
+  ASSERT_EQ(frame()->getViewMenu()->actions().size(), before + 1);
   QAction* const entry = frame()->getViewMenu()->actions().last();
   EXPECT_EQ(entry->text(), QString::fromUtf8("Größe"));
   EXPECT_TRUE(entry->isChecked());

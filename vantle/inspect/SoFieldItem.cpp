@@ -93,7 +93,9 @@ SoFieldItem::Change SoFieldItem::fetch() {
 }
 
 QVariant SoFieldItem::data(int column, int role) const {
-  if (role == Qt::DisplayRole && column == SoVantleList::FIELD_VALUE_COLUMN) return m_value;
+  // No column is wider; measuring and drawing a text of a million characters takes long.
+  constexpr int LONGEST = 1000;
+  if (role == Qt::DisplayRole && column == SoVantleList::FIELD_VALUE_COLUMN) return m_value.left(LONGEST);
   if (role == Qt::DecorationRole && column == SoVantleList::IGNORED_COLUMN)
     return SoVantleList::ignoredIcon(m_ignored);
   if (role == Qt::DecorationRole && column == SoVantleList::CONNECTED_COLUMN) {
@@ -107,7 +109,7 @@ QVariant SoFieldItem::data(int column, int role) const {
     return m_list->valueFont(isDefault());
   } else if (role == Qt::ToolTipRole && column == SoVantleList::FIELD_VALUE_COLUMN) {
     // For values that the column is too narrow for.
-    return m_value.left(1000);
+    return m_value.left(LONGEST);
   }
   return QTreeWidgetItem::data(column, role);
 }

@@ -235,9 +235,19 @@ void SoVantleImpl::init(QList<QString> const* arguments, SoSceneManager* manager
   services->getCommandManager()->init();
   if (!manager) initScene();
   if (arguments && arguments->size() > 1) setFile(&arguments->last());
+  readConfiguration();
+}
+
+void SoVantleImpl::readConfiguration() {
+  VntPluginsManager* const plugins = VntPluginsManager::getInstance();
+  // One that the user has named is missed, not just looked for.
+  SbString const named = SbFileHelper::expandString(SoPreferences::getString("KSV_VANTLE_CONFIGURATION_FILE"));
+  if (!named.empty() && !SbFileHelper::isReadable(named)) plugins->read(named, true);
   bool isFile;
   SbString const configuration = configurationFile(isFile);
-  VntPluginsManager::getInstance()->read(configuration, isFile);
+  // With a faulty file, which is told, the field editors are there as without one.
+  if (!plugins->read(configuration, isFile) && isFile)
+    plugins->read(SoInput::readTextFile(VantleDefaults::FILE_NAME), false);
 }
 
 /// The Qt application, or the program, may end while the session runs.

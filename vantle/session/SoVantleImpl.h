@@ -80,6 +80,7 @@ class SoVantleImpl {
   static void finishWaiting();
   static void applicationEnds();
   static void programEnds();
+  static void readConfiguration();
   static SbString configurationFile(bool& isFile);
 
   static bool m_isRunning;

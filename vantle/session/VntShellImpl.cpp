@@ -22,7 +22,8 @@ QString latin1(SbString const& text) {
 }
 
 QString titleOf(QWidget const* widget) {
-  return widget->windowTitle().isEmpty() ? widget->objectName() : widget->windowTitle();
+  QString const title = widget->windowTitle().isEmpty() ? widget->objectName() : widget->windowTitle();
+  return title.isEmpty() ? QString::fromLatin1(widget->metaObject()->className()) : title;
 }
 
 } // namespace
@@ -64,6 +65,7 @@ void VntShellImpl::registerDock(QDockWidget* dock, Qt::DockWidgetArea area) {
   // The stored layout was read before there was this dock.
   if (!isNew || !m_mainFrame->restoreDockWidget(dock)) m_mainFrame->addDockWidget(area, dock);
   if (!isNew) return;
+  restoreLayout();
   connect(dock->toggleViewAction(), &QAction::toggled, this, [this, dock] { followDock(dock); });
   if (dock->isHidden()) followDock(dock);
 }
@@ -81,10 +83,13 @@ void VntShellImpl::registerToolBar(QToolBar* bar, Qt::ToolBarArea area) {
   bar->setParent(m_mainFrame.get());
   m_mainFrame->addToolBar(area, bar);
   bar->show();
-  // For a single tool bar the window can not look the layout up; before it is shown that disturbs nobody.
-  if (isNew && !m_mainFrame->isVisible() && SoVantleViewer::isInstance()) {
-    SoVantleViewer::getInstance()->restoreLayout();
-  }
+  if (isNew) restoreLayout();
+}
+
+/// For a single tool bar the window can not look the stored layout up, and a window that is going to be maximised
+/// forgets the dock that it has looked up for. Before the window is shown the whole disturbs nobody.
+void VntShellImpl::restoreLayout() const {
+  if (!m_mainFrame->isVisible() && SoVantleViewer::isInstance()) SoVantleViewer::getInstance()->restoreLayout();
 }
 
 void VntShellImpl::unregisterToolBar(QToolBar* bar) {
@@ -139,7 +144,7 @@ void VntShellImpl::unregisterMenu(QMenu* menu) {
 }
 
 void VntShellImpl::registerViewMenu(VntExtension* extension, int checked) {
-  if (!extension) return;
+  if (!extension || m_viewActions.key(extension, nullptr)) return;
   auto* action = new QAction(latin1(extension->getInfo()), m_mainFrame.get());
   action->setCheckable(true);
   action->setChecked(checked != 0);

@@ -70,6 +70,7 @@ class VntShellImpl : public VntShell {
   void followDock(QDockWidget* dock);
   void removeViewAction(QAction* action);
   void nameForLayout(QWidget* widget) const;
+  void restoreLayout() const;
 
   // Every registration has a copy of its type, so that one type can have several menus.
   using MenuMap = std::multimap<std::unique_ptr<SoType>, QMenu*>;
