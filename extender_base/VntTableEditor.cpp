@@ -69,7 +69,10 @@ VntTableEditor::VntTableEditor(VntFieldEdit* edit, QWidget* parent)
   if (m_edits.getAccess().getNumNumbers() > 0) {
     m_chart = new VntTableChart(m_edits, *m_scan, this);
     m_chart->setObjectName("chart");
-    connect(m_chart, &VntTableChart::rowClicked, this, &VntTableEditor::goTo);
+    connect(m_chart, &VntTableChart::rowClicked, this, [this](int row) {
+      goTo(row);
+      m_view->setFocus(Qt::MouseFocusReason); // to go on from there by keys
+    });
     content()->addWidget(m_chart, 25);
   }
   content()->addWidget(m_view, 100);
@@ -111,7 +114,6 @@ void VntTableEditor::buildView() {
   m_view->setTabKeyNavigation(false);
   m_view->setWordWrap(false);
   m_view->setContextMenuPolicy(Qt::CustomContextMenu);
-  m_view->setMinimumHeight(fontMetrics().height() * 4);
   m_view->installEventFilter(this);
   QHeaderView* const rows = m_view->verticalHeader();
   rows->setSectionResizeMode(QHeaderView::Fixed);
@@ -230,7 +232,8 @@ void VntTableEditor::buildMenus(QToolBar* bar) {
           m_chart ? std::initializer_list<char const*>{"fillDown", "ramp"}
                   : std::initializer_list<char const*>{"fillDown"});
   if (m_chart)
-    bar->addAction(addSwitch("showChart", tr("Chart"), tr("Shows all values at once"), &showsCharts));
+    bar->addAction(addSwitch("showChart", tr("Chart"), tr("Shows all values at once, where there is room"),
+                             &showsCharts));
   if (m_row)
     bar->addAction(addSwitch("showRow", tr("Value"),
                              tr("Shows an editor of the current value, where there is room"), &showsRows));
@@ -258,17 +261,23 @@ QAction* VntTableEditor::addSwitch(char const* name, QString const& text, QStrin
 }
 
 void VntTableEditor::showParts() {
-  int const rows = m_model->rowCount();
-  if (m_chart) m_chart->setVisible(showsCharts && rows > 1);
-  // One value needs no more room than its row.
-  int const content = m_view->horizontalHeader()->sizeHint().height() + 2 * m_view->frameWidth() +
-                      m_view->verticalHeader()->defaultSectionSize() * 3;
-  m_view->setMaximumHeight(rows > 1 ? QWIDGETSIZE_MAX : std::max(content, m_view->minimumHeight()));
-  // Its least height is nothing, so that this does not depend on what is shown now.
+  int const rows = m_model->rowCount(), line = m_view->verticalHeader()->defaultSectionSize();
+  int const oneRow = m_view->horizontalHeader()->sizeHint().height() + line + 2 * m_view->frameWidth();
+  m_view->setMinimumHeight(oneRow);
+  m_view->setMaximumHeight(rows == 1 ? oneRow + line : QWIDGETSIZE_MAX); // with a scroll bar
+  m_summary->setVisible(rows != 1);
+  // The parts have no least height, so that this room does not depend on which of them are shown now.
   constexpr int SPACING = 8;
-  if (m_row)
-    m_row->setVisible(showsRows &&
-                      height() >= minimumSizeHint().height() + SPACING + m_row->sizeHint().height());
+  int room = height() - minimumSizeHint().height() - SPACING;
+  if (m_row) {
+    // A little less room, as a status bar takes, does not fold it again.
+    int const margin = rows == 1 || m_row->isVisibleTo(this) ? 0 : line;
+    bool const isShown = showsRows && m_row->sizeHint().height() + margin <= room;
+    if (isShown) room -= m_row->sizeHint().height();
+    m_row->setVisible(isShown);
+  }
+  int const leastForChart = m_chart ? m_chart->sizeHint().height() / 2 + 2 * line : 0;
+  if (m_chart) m_chart->setVisible(showsCharts && rows > 1 && room >= leastForChart);
 }
 
 void VntTableEditor::resizeEvent(QResizeEvent* event) {

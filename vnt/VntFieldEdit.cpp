@@ -236,6 +236,7 @@ void VntFieldEdit::disconnectField() {
 void VntFieldEdit::resetToDefault() {
   if (!m_field || m_field->isDefault() || !isEditable()) return;
   cancel();
+  if (m_field->isDefault()) return; // a drag was all that there was
   SoFieldContainer const* const container = m_field->getContainer();
   SoRef<SoFieldContainer> fresh;
   if (container && container->getTypeId().canCreateInstance())

@@ -1,6 +1,7 @@
 #include "vnt/VntFieldHandle.h"
 
 #include <unordered_map>
+#include <utility>
 
 #include "kestrava/fields/SoField.h"
 #include "kestrava/sensors/SoFieldSensor.h"
@@ -47,3 +48,12 @@ VntFieldHandle::VntFieldHandle(SoField* field) {
 }
 
 SoField* VntFieldHandle::get() const { return m_watch ? m_watch->field : nullptr; }
+
+void VntFieldHandle::releaseAll() {
+  for (auto const& [field, known] : std::exchange(watches(), {})) {
+    auto const watch = std::static_pointer_cast<Watch>(known.lock());
+    if (!watch) continue;
+    watch->sensor.detach();
+    watch->field = nullptr;
+  }
+}

@@ -12,6 +12,8 @@ class VntFieldHandle {
   explicit VntFieldHandle(SoField* field);
   /// Null once the field is gone.
   SoField* get() const;
+  /// At the end of a session: every handle is as if its field had gone, whoever still holds it.
+  static void releaseAll();
 
  private:
   struct Watch;

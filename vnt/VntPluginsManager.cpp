@@ -179,9 +179,8 @@ struct VntPluginsManager::Private {
 
   /// False when an exception left the plug-in.
   bool getExtension(LoadedPlugin const& loaded, SbString const& name, VntExtension*& extension) {
-    bool const called =
-        call({loaded.info.name, nullptr}, tr("getting extension \"%1\"").arg(toQString(name)),
-             [&] { extension = loaded.plugin->getExtension(name); });
+    bool const called = call({loaded.info.name, nullptr}, tr("getting extension \"%1\"").arg(toQString(name)),
+                             [&] { extension = loaded.plugin->getExtension(name); });
     if (extension) pluginOf[extension] = loaded.info.name;
     return called;
   }

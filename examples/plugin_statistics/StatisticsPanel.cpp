@@ -132,8 +132,8 @@ void StatisticsPanel::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   // In a narrow dock the table scrolls sideways: without the types the numbers are of no use.
   bool const isNarrow = width() < 50 * fontMetrics().horizontalAdvance('n');
-  m_table->header()->setSectionResizeMode(
-      Preferences::TYPE, isNarrow ? QHeaderView::ResizeToContents : QHeaderView::Stretch);
+  m_table->header()->setSectionResizeMode(Preferences::TYPE,
+                                          isNarrow ? QHeaderView::ResizeToContents : QHeaderView::Stretch);
 }
 
 void StatisticsPanel::updateSettings() {

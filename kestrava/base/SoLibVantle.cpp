@@ -61,7 +61,7 @@ std::string SoLibVantle::loadFrom(SbString const& path) {
   auto const* const version =
       static_cast<char const*>(SoDynamicLibManager::symbol(library, VERSION_SYMBOL));
   if (!version) {
-    fault = std::string("is not the inspector, it has no symbol ") + VERSION_SYMBOL;
+    fault.append("is not the inspector, it has no symbol ").append(VERSION_SYMBOL);
   } else if (std::string_view(version) != KESTRAVA_VERSION) {
     fault = "is built for version " + std::string(version) + " of the toolkit, which is " KESTRAVA_VERSION " here";
   } else if (!takeEntryPoints(library)) {

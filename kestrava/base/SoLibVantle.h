@@ -14,8 +14,8 @@ class SoSceneManager;
 /// The library is taken from the path that the preference or environment variable KSV_VANTLE_LIBRARY names
 /// when that is set, else from beside the toolkit's library, else from where the dynamic linker searches; once
 /// loaded it stays. One that was built for another version of the toolkit is refused before any of its
-/// functions is called. Loading it makes no Qt application. Everything is for the GUI thread. A host calls processEvents() over and over until it answers false. A start that is not
-/// possible posts a debug error.
+/// functions is called. Loading it makes no Qt application. Everything is for the GUI thread. A host calls
+/// processEvents() over and over until it answers false. A start that is not possible posts a debug error.
 class SoLibVantle {
  public:
   /// True when the library is loaded, now or before, and complete. Otherwise getLastError() says why.

@@ -216,6 +216,16 @@ TEST_F(ColorTest, TheDialogPreviewsAndIsOneStepOrNone) {
   EXPECT_EQ(countSteps(), 1);
 }
 
+TEST_F(ColorTest, TheFieldMayGoWhileSomethingIsTyped) {
+  auto* const lamp = new SoDirectionalLight;
+  scene->addChild(lamp);
+  for (int i = 0; i < 2; ++i) VntServices::getInstance()->setSelectedField(&lamp->color); // its row, twice
+  type(line("colorText"), "#00ff00", false);
+  scene->removeChild(lamp);
+  EXPECT_EQ(find<QLabel>("fieldName")->text(), "No field is selected");
+  EXPECT_EQ(countSteps(), 0);
+}
+
 TEST_F(ColorTest, TheFieldMayGoInADragAndUnderTheDialog) {
   // Nobody but the scene holds this one.
   auto* const lamp = new SoDirectionalLight;

@@ -16,6 +16,7 @@
 #include "vnt/VntFieldEdit.h"
 #include "vnt/VntFieldEditor.h"
 #include "vnt/VntPluginsManager.h"
+#include "vantle/session/SoVantleImpl.h"
 #include "vnt/VntServices.h"
 
 namespace {
@@ -81,11 +82,19 @@ TEST_F(PanelTest, StepsLeaveTheReferenceCountsAlone) {
   redo();
   EXPECT_FALSE(sphere->radius.isConnected());
 
+  // What the history still holds when the session ends leaves nothing in the host's scene.
+  SoRef<SoSphere> const other(new SoSphere);
+  scene->addChild(other);
+  VntServices::getInstance()->setSelectedField(&other->radius);
+  QTest::mouseClick(find<QCheckBox>("ignored"), Qt::LeftButton);
+  EXPECT_TRUE(other->radius.isWatched());
+
   scene->removeChild(sphere);
-  EXPECT_EQ(find<QLabel>("fieldName")->text(), "No field is selected");
   undo();
   redo();
   redo();
+  SoVantleImpl::stop(true);
+  EXPECT_FALSE(other->radius.isWatched());
 }
 
 TEST_F(PanelTest, AFieldThatGoesTakesItsEditorAlong) {
@@ -116,7 +125,8 @@ TEST_F(PanelTest, AnEditorThatThrowsIsToldAndTheNextOneTaken) {
   ErrorLog<SoDebugError> errors;
   VntServices::getInstance()->setSelectedField(&sphere->radius);
   ASSERT_EQ(errors.texts.size(), 1);
-  EXPECT_TRUE(errors.texts[0].contains("createEditor() failed: no editor today")) << qPrintable(errors.texts[0]);
+  EXPECT_TRUE(errors.texts[0].contains("createEditor() failed: no editor today"))
+      << qPrintable(errors.texts[0]);
   EXPECT_TRUE(find<QLineEdit>("number")) << "the editor that was there before";
 }
 

@@ -166,12 +166,14 @@ TEST_F(TableTest, AConnectedFieldCanBeReadAndCopied) {
   EXPECT_EQ(node->point[0], SbVec3f(5, 2, 3));
 }
 
-/// With room for the editor of the current value below the table.
-class TableRowTest : public TableTest {
+/// With room for the editor of the current value below the table, and for the chart above it.
+class RoomyTableTest : public TableTest {
  public:
   void editTall(char const* type, char const* value) {
     editOwn(type, value);
     makeRoom();
+    find<QAction>("showRow")->setChecked(true);
+    ASSERT_TRUE(waitFor([this] { return row()->isVisible(); }));
   }
   void makeRoom() {
     auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
@@ -179,12 +181,11 @@ class TableRowTest : public TableTest {
     dock->resize(500, 900);
     dock->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(dock));
-    ASSERT_TRUE(waitFor([this] { return row()->isVisible(); }));
   }
   QGroupBox* row() const { return find<QGroupBox>("tableRow"); }
 };
 
-TEST_F(TableRowTest, AColorOfManyIsEditedAsTheOnlyOneIs) {
+TEST_F(RoomyTableTest, AColorOfManyIsEditedAsTheOnlyOneIs) {
   editTall("MFColor", "[ 1 0 0, 0 1 0 ]");
   goTo(1, 0);
   EXPECT_EQ(row()->title(), "Value 1");
@@ -226,7 +227,7 @@ TEST_F(TableRowTest, AColorOfManyIsEditedAsTheOnlyOneIs) {
   EXPECT_EQ(value(), "[ 1 0 0, 0 1 0 ]");
 }
 
-TEST_F(TableRowTest, TheProgramTakesTheValuesAway) {
+TEST_F(RoomyTableTest, TheProgramTakesTheValuesAway) {
   editTall("MFRotation", "[ 0 0 1 0, 1 0 0 2 ]");
   goTo(1, 0);
   static_cast<SoMField*>(field())->deleteValues(0);
@@ -237,7 +238,7 @@ TEST_F(TableRowTest, TheProgramTakesTheValuesAway) {
   EXPECT_EQ(countSteps(), 1);
 }
 
-TEST_F(TableRowTest, FoldsWhereThereIsNoRoom) {
+TEST_F(RoomyTableTest, FoldsWhereThereIsNoRoom) {
   editTall("MFColor", "1 0 0");
   EXPECT_FALSE(find<QWidget>("chart")->isVisible()); // of one value there is nothing to see
   auto* const dock = frame()->findChild<QDockWidget*>("dockFieldEditor");
@@ -519,18 +520,22 @@ TEST_F(TableTest, AColorIsChosenInTheDialogOfThePlatform) {
   EXPECT_EQ(value(), before);
 }
 
-TEST_F(TableTest, TheChartShowsWhereTheValuesAre) {
+TEST_F(RoomyTableTest, TheChartShowsWhereTheValuesAre) {
   auto* const node = new SoCoordinate3;
   std::vector<SbVec3f> points(1001);
   for (int i = 0; i <= 1000; ++i) points[i] = SbVec3f(static_cast<float>(i), 0, -1);
   points[3][1] = std::nanf("");
   node->point.setValues(points);
   edit(node, "point");
+  makeRoom();
   auto* const chart = find<QWidget>("chart");
+  find<QAction>("showChart")->setChecked(true); // whatever was wanted for the last field
+  ASSERT_TRUE(waitFor([&] { return chart->isVisible(); }));
   ASSERT_TRUE(waitFor([&] { return find<QLabel>("summary")->text().contains("x 0 to 1000"); }));
   EXPECT_EQ(find<QLabel>("summary")->text(), "1,001 values, x 0 to 1000, y 0 to 0, z -1 to -1, 1 not finite");
   QTest::mouseClick(chart, Qt::LeftButton, {}, QPoint(chart->width() / 2, chart->height() / 2));
   EXPECT_NEAR(table()->currentIndex().row(), 500, 5);
+  EXPECT_TRUE(waitFor([this] { return table()->hasFocus(); }));
   EXPECT_TRUE(table()->viewport()->rect().intersects(table()->visualRect(table()->currentIndex())));
   find<QAction>("showChart")->trigger();
   EXPECT_FALSE(chart->isVisible());

@@ -19,8 +19,8 @@
 #include <QToolBar>
 #include <QTreeWidget>
 #include <QWindow>
-#include <clocale>
 #include <algorithm>
+#include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -152,7 +152,8 @@ TEST(SessionSurroundings, AreAsBeforeAfterAStop) {
 
 std::vector<std::string> entriesOf(std::string const& folder) {
   std::vector<std::string> names;
-  for (auto const& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+  for (auto const& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename());
   return names;
 }
 
@@ -177,8 +178,8 @@ struct Usage {
   int types = SoType::getNumTypes();
   bool operator==(Usage const&) const = default;
   std::string text() const {
-    return std::to_string(handles) + " handles, " + std::to_string(threads) + " threads (" + threadNames() + "), " +
-           std::to_string(widgets) + " widgets, " + std::to_string(objects) + " objects, " +
+    return std::to_string(handles) + " handles, " + std::to_string(threads) + " threads (" + threadNames() +
+           "), " + std::to_string(widgets) + " widgets, " + std::to_string(objects) + " objects, " +
            std::to_string(types) + " types";
   }
 };
@@ -205,7 +206,7 @@ struct Memory {
 constexpr int ROUNDS = 40, OWN_APPLICATION_ROUNDS = 20;
 constexpr bool HAS_MEMORY = false;
 #else
-constexpr int ROUNDS = 1000, OWN_APPLICATION_ROUNDS = 200;
+constexpr int ROUNDS = 1000, OWN_APPLICATION_ROUNDS = 100;
 constexpr bool HAS_MEMORY = true;
 #endif
 
@@ -220,7 +221,6 @@ template <class Round> std::optional<Memory> growth(int rounds, Round const& doR
       std::fprintf(stderr, "round %d failed\n", round);
       return std::nullopt;
     }
-    if (getenv("W1") && round % 20 == 0) { Memory m = Memory::now(); fprintf(stderr, "%d: %ld %ld\n", round, m.allocated, m.resident); }
     if (round != rounds / 4) continue;
     before = Usage();
     usageBefore = before->text();
@@ -229,8 +229,8 @@ template <class Round> std::optional<Memory> growth(int rounds, Round const& doR
   Usage const after;
   Memory const end = Memory::now();
   Memory const grown{end.allocated - memory.allocated, end.resident - memory.resident};
-  std::fprintf(stderr, "%s; then %s; grown by %ld KiB, resident %ld KiB\n", usageBefore.c_str(), after.text().c_str(),
-               grown.allocated, grown.resident);
+  std::fprintf(stderr, "%s; then %s; grown by %ld KiB, resident %ld KiB\n", usageBefore.c_str(),
+               after.text().c_str(), grown.allocated, grown.resident);
   if (!(after == *before)) return std::nullopt;
   return grown;
 }
@@ -293,25 +293,32 @@ bool showPlainWindow(int round) {
   return true;
 }
 
+/// Qt's cache grows up to 10 MB by itself as icons are shown, and the table of its keys without an end: both
+/// would hide what a session leaves. Without an application the call does nothing.
+void keepNoPixmaps() { QPixmapCache::setCacheLimit(0); }
+
 SessionChild const oftenInQtHost("often in a Qt host", [] {
   QApplication application(argumentCount, arguments);
-  QPixmapCache::setCacheLimit(0); // it grows up to 10 MB by itself, as icons are shown
+  keepNoPixmaps();
   Host host;
   std::optional<Memory> const grown = growth(ROUNDS, [&host](int round) { return host.startAndStop(round); });
   CHILD_EXPECT(grown);
-  CHILD_EXPECT(!HAS_MEMORY || (grown->allocated < 256 && grown->resident < 1024));
+  CHILD_EXPECT(!HAS_MEMORY || (grown->allocated < 256 && grown->resident < 4096));
   return 0;
 });
 
 SessionChild const oftenAlone("often alone", [] {
-  QPixmapCache::setCacheLimit(0);
+  {
+    QApplication const application(argumentCount, arguments);
+    keepNoPixmaps(); // nor do the applications that follow
+  }
   Host host;
   std::optional<Memory> const plain = growth(OWN_APPLICATION_ROUNDS, showPlainWindow);
   std::optional<Memory> const grown =
       growth(OWN_APPLICATION_ROUNDS, [&host](int round) { return host.startAndStop(round); });
   CHILD_EXPECT(plain && grown);
-  // A little is lost with each application by Qt and the OpenGL driver, without a session too.
-  CHILD_EXPECT(!HAS_MEMORY || grown->allocated < plain->allocated + 2 * OWN_APPLICATION_ROUNDS);
+  // Some kilobytes are lost with each application by Qt and the OpenGL libraries, without a session too.
+  CHILD_EXPECT(!HAS_MEMORY || grown->allocated < plain->allocated + 3 * OWN_APPLICATION_ROUNDS);
   return 0;
 });
 

@@ -12,6 +12,7 @@
 #include "kestrava/nodes/SoCube.h"
 #include "kestrava/nodes/SoGradientBackground.h"
 #include "kestrava/nodes/SoSeparator.h"
+#include "kestrava/nodes/SoWWWInline.h"
 #include "tests/vantle/VantleTest.h"
 #include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/session/SoVantleImpl.h"
@@ -110,6 +111,22 @@ TEST_F(SessionTest, HandlersAndPreferencesOfTheToolkit) {
   SoVantleImpl::stop(true);
   EXPECT_EQ(SoErrorStack::getHandlerCallback(), before);
   SoPreferences::removeValue("KSV_DEBUG_STACKERROR");
+}
+
+TEST_F(SessionTest, WhatTheHostSetsMeanwhileStays) {
+  auto const hosts = [](SbString const&, void*, SoWWWInline*) {};
+  auto const hostsHandler = [](SoError const*, void*) {};
+  SoErrorCB* const before = SoErrorStack::getHandlerCallback();
+  int mark = 0;
+  start();
+  SoWWWInline::setFetchURLCallBack(hosts, &mark);
+  SoErrorStack::setHandlerCallback(hostsHandler, &mark);
+  SoVantleImpl::stop(true);
+  EXPECT_EQ(SoWWWInline::getFetchURLCallBack(), +hosts);
+  EXPECT_EQ(SoWWWInline::getFetchURLData(), &mark);
+  EXPECT_EQ(SoErrorStack::getHandlerCallback(), +hostsHandler);
+  SoWWWInline::setFetchURLCallBack(nullptr);
+  SoErrorStack::setHandlerCallback(before);
 }
 
 TEST_F(SessionTest, TheBuiltInConfigurationIsOneElementALine) {

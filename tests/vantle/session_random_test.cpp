@@ -155,13 +155,6 @@ TEST_F(RandomSessionTest, NothingOfItStaysWhateverHappens) {
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(nothingIsLeft());
-    for (SoNode* node : host.nodes()) {
-      for (int i = 0; i < node->getNumFields(); ++i) {
-        SoField const* const field = node->getField(i);
-        EXPECT_FALSE(field->isWatched())
-            << node->getTypeId().getName().getString() << "." << field->getName().getString();
-      }
-    }
     area->getSceneManager()->setSceneGraph(nullptr);
     EXPECT_EQ(host.root()->getRefCount(), 1);
     EXPECT_EQ(host.root()->getAuditors().getLength(), 0);

@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
 #include <QWindow>
@@ -45,7 +46,8 @@ SoVantleMainFrame::~SoVantleMainFrame() {
   delete m_filterToolbar;
   delete m_findComboBox;
   delete m_searchToolbar;
-  SoWWWInline::setFetchURLCallBack(nullptr);
+  // A host may have set its own meanwhile.
+  if (SoWWWInline::getFetchURLData() == this) SoWWWInline::setFetchURLCallBack(nullptr);
   SoVantleStateManager::finish();
 }
 
@@ -61,6 +63,7 @@ void SoVantleMainFrame::init() {
   setupMenuBar();
   setupToolBars();
   setupConnections();
+  statusBar(); // from the start: made by its first message it would push everything up under the pointer
   bool const attached = !services->isStandaloneApplication();
   if (attached) {
     m_openAction->setEnabled(false);

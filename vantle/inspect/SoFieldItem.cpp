@@ -93,8 +93,8 @@ SoFieldItem::Change SoFieldItem::fetch() {
 }
 
 QVariant SoFieldItem::data(int column, int role) const {
-  // No column is wider; measuring and drawing a text of a million characters takes long.
-  constexpr int LONGEST = 1000;
+  // Drawing a text of a million characters takes long. The largest array that is shown is shorter than this.
+  constexpr int LONGEST = 65'536, LONGEST_TIP = 1000;
   if (role == Qt::DisplayRole && column == SoVantleList::FIELD_VALUE_COLUMN) return m_value.left(LONGEST);
   if (role == Qt::DecorationRole && column == SoVantleList::IGNORED_COLUMN)
     return SoVantleList::ignoredIcon(m_ignored);
@@ -109,7 +109,7 @@ QVariant SoFieldItem::data(int column, int role) const {
     return m_list->valueFont(isDefault());
   } else if (role == Qt::ToolTipRole && column == SoVantleList::FIELD_VALUE_COLUMN) {
     // For values that the column is too narrow for.
-    return m_value.left(LONGEST);
+    return m_value.left(LONGEST_TIP);
   }
   return QTreeWidgetItem::data(column, role);
 }

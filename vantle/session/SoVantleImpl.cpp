@@ -241,7 +241,8 @@ void SoVantleImpl::init(QList<QString> const* arguments, SoSceneManager* manager
 void SoVantleImpl::readConfiguration() {
   VntPluginsManager* const plugins = VntPluginsManager::getInstance();
   // One that the user has named is missed, not just looked for.
-  SbString const named = SbFileHelper::expandString(SoPreferences::getString("KSV_VANTLE_CONFIGURATION_FILE"));
+  SbString const named =
+      SbFileHelper::expandString(SoPreferences::getString("KSV_VANTLE_CONFIGURATION_FILE"));
   if (!named.empty() && !SbFileHelper::isReadable(named)) plugins->read(named, true);
   bool isFile;
   SbString const configuration = configurationFile(isFile);

@@ -7,6 +7,7 @@
 #include "vantle/session/SoVantleImpl.h"
 #include "vantle/session/VntShellImpl.h"
 #include "vantle/viewer/SoVantleViewer.h"
+#include "vnt/VntFieldHandle.h"
 
 VntServicesImpl::VntServicesImpl() : m_commandManager(std::make_unique<SoCommandManager>()) {
   // Their changes are nobody's concern here: nothing is put into the delay queue for them.
@@ -16,7 +17,12 @@ VntServicesImpl::VntServicesImpl() : m_commandManager(std::make_unique<SoCommand
   m_fieldSensor.setDeleteCallback(selectedFieldDiesCB, this);
 }
 
-VntServicesImpl::~VntServicesImpl() { redrawOnSelectionChange(nullptr); }
+VntServicesImpl::~VntServicesImpl() {
+  redrawOnSelectionChange(nullptr);
+  // The history does not destroy its commands; in the host's scene nothing of them is to stay.
+  m_commandManager.reset();
+  VntFieldHandle::releaseAll();
+}
 
 void VntServicesImpl::createInstance() {
   if (!m_instance) m_instance = new VntServicesImpl;
@@ -51,7 +57,9 @@ void VntServicesImpl::setSceneGraph(SoNode* root) {
 
 void VntServicesImpl::setSelectedField(SoField* field) {
   SoVantleImpl::Call const call;
-  m_fieldSensor.attach(field);
+  // Of a field that dies, those are told first that were attached last: who follows the selection is to know
+  // before the selection goes, also when the same field was selected again.
+  if (m_fieldSensor.getAttachedField() != field) m_fieldSensor.attach(field);
   Q_EMIT selectedFieldChanged(field);
 }
 
