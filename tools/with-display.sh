@@ -15,10 +15,10 @@ trap 'exit 143' TERM
 Xvfb -displayfd 3 -screen 0 1600x1200x24 +extension GLX -noreset -nolisten tcp \
   3>"$folder/display" >"$folder/log" 2>&1 &
 server=$!
-for _ in $(seq 300); do
+for _ in $(seq 1500); do
   [ ! -s "$folder/display" ] || break
   kill -0 "$server" 2>/dev/null || break
-  sleep 0.1
+  sleep 0.02
 done
 if [ ! -s "$folder/display" ]; then
   echo "with-display.sh: Xvfb did not start" >&2

@@ -1,5 +1,7 @@
 #include "vnt/VntFieldEdit.h"
 
+#include <QList>
+#include <QPointer>
 #include <QTimer>
 #include <functional>
 #include <utility>
@@ -14,6 +16,19 @@
 namespace {
 
 using Action = std::function<void(SoField&)>;
+
+// Never destroyed: edits may outlive the library's statics.
+auto& allEdits() {
+  static auto& all = *new QList<QPointer<VntFieldEdit>>;
+  return all;
+}
+
+/// An undo in a drag gives the drag up. Its end would otherwise be a step from a value that the history has left.
+void endDragsOf(SoField const* field) {
+  for (QPointer<VntFieldEdit> const& edit : QList<QPointer<VntFieldEdit>>(allEdits())) {
+    if (edit && edit->getField() == field) edit->cancel();
+  }
+}
 
 /// One step on a field. It enters the history when its work is done already.
 class FieldCommand : public VntCommand {
@@ -30,6 +45,7 @@ class FieldCommand : public VntCommand {
   void run(Action const& action) const {
     SoField* const field = m_field.get();
     if (!field) return;
+    endDragsOf(field);
     SoDB::writelock();
     action(*field);
     SoDB::writeunlock();
@@ -56,6 +72,7 @@ Action assigning(std::shared_ptr<SoField const> value, bool isDefault) {
 
 VntFieldEdit::VntFieldEdit(SoField* field, QObject* parent)
     : QObject(parent), m_field(field), m_sensor(fieldChangedCB, this) {
+  allEdits() << this;
   if (!field) return;
   // The field's value is not read inside its own notification: the sensor only notes that there is a new one.
   m_sensor.setPriority(0);
@@ -64,6 +81,7 @@ VntFieldEdit::VntFieldEdit(SoField* field, QObject* parent)
 }
 
 VntFieldEdit::~VntFieldEdit() {
+  allEdits().removeOne(this);
   m_sensor.setDeleteCallback(nullptr, nullptr);
   if (m_before && m_field) assign(*m_field, *m_before, m_wasDefault);
 }

@@ -68,8 +68,8 @@ class CarelessPerson {
     Qt::MouseButton const button = happens(90) ? Qt::LeftButton : Qt::RightButton;
     QPoint const place = placeIn(widget);
     log("click", widget, QString("%1 %2").arg(place.x()).arg(place.y()));
-    letGo();
     QPointer<QWindow> const window = widget->window()->windowHandle();
+    letGo(); // which may be the end of the widget
     bool const twice = happens(15);
     for (int i = 0; i < (twice ? 2 : 1); ++i) {
       if (window) QTest::mousePress(window, button, modifiers(), place);
