@@ -8,8 +8,9 @@
 ///
 /// It watches the events of the application and leaves, at the first one for the inspector, a probe for Qt to
 /// delete later. Qt does that when control is back in the event loop that delivered the event, not in one
-/// nested in it: a probe that lives says that the event may still be on its way. Afterwards a stop that
-/// waited is carried out.
+/// nested in it: a probe that lives says that the event may still be on its way. A probe that was left
+/// outside of any event loop survives in a loop that is begun later; the functions on the stack tell these
+/// two apart. Afterwards a stop that waited is carried out.
 class VantleEventWatch : public QObject {
  public:
   /// There is a Qt application.
