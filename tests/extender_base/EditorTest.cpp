@@ -11,7 +11,10 @@
 
 void EditorTest::edit(SoNode* node, char const* field) {
   m_node = node;
-  if (!SoVantleImpl::isRunning()) startAttached(node);
+  if (!SoVantleImpl::isRunning()) {
+    m_scene = node; // a root that its host lets go of is not shown any longer
+    startAttached(node);
+  }
   m_field = node->getField(field);
   ASSERT_TRUE(m_field) << field;
   VntServices::getInstance()->setSelectedField(m_field);

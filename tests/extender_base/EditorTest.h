@@ -41,6 +41,6 @@ class EditorTest : public VantleTest {
   int countSteps();
 
  private:
-  SoRef<SoNode> m_node;
+  SoRef<SoNode> m_scene, m_node;
   SoField* m_field = nullptr;
 };
