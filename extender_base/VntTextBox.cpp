@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QTextDocument>
@@ -26,6 +27,12 @@ class Lines : public QPlainTextEdit {
     return {QPlainTextEdit::sizeHint().width(), fontMetrics().lineSpacing() * 3 + 12};
   }
   QSize minimumSizeHint() const override { return {80, sizeHint().height()}; }
+
+ protected:
+  // The base class looks at the first format of an empty clipboard, which has none.
+  void insertFromMimeData(QMimeData const* data) override {
+    if (!data->formats().isEmpty()) QPlainTextEdit::insertFromMimeData(data);
+  }
 };
 
 bool isLineEnd(QChar c) {

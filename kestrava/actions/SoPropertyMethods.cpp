@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "kestrava/actions/SoStateAction.h"
 #include "kestrava/nodes/SoBaseColor.h"
@@ -43,7 +44,13 @@ template <class Node> bool isFixed(SoStateAction& action, Node const& node, SoOv
 }
 
 template <class Field, class T> void take(Field const& field, T& target) {
-  if (!field.isIgnored()) target = static_cast<T>(field.getValue());
+  if (field.isIgnored()) return;
+  if constexpr (std::is_enum_v<T>) {
+    // A field may have a number that none of its symbols stands for.
+    auto const means = [&](SoEnumSymbol const& symbol) { return symbol.value == field.getValue(); };
+    if (std::none_of(field.symbols().begin(), field.symbols().end(), means)) return;
+  }
+  target = static_cast<T>(field.getValue());
 }
 
 template <class Field, class T> void takeValues(Field const& field, SoMaterialValues<T>& target) {

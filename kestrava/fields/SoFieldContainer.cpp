@@ -5,6 +5,9 @@
 #include <unordered_map>
 
 #include "kestrava/fields/SoFieldWalk.h"
+#include "kestrava/fields/SoMFNode.h"
+#include "kestrava/fields/SoMFUniformShaderParameter.h"
+#include "kestrava/fields/SoSFNode.h"
 #include "kestrava/io/SoInput.h"
 #include "kestrava/nodes/SoNode.h"
 #include "kestrava/sensors/SoNodeSensor.h"
@@ -182,9 +185,27 @@ void SoFieldContainer::removeAuditor(void* auditor, SoAuditorList::Kind kind) {
   m_auditors.remove(auditor, kind);
 }
 
+namespace {
+
+std::atomic<std::uint64_t> silentChanges{0};
+
+bool mayChangeWays(SoNotification const& notification) {
+  SoField const* const field = notification.field;
+  return !field || field->isOfType(SoSFNode::getClassTypeId()) || field->isOfType(SoMFNode::getClassTypeId()) ||
+         field->isOfType(SoMFUniformShaderParameter::getClassTypeId());
+}
+
+void countSilent(SoNotification const& notification) {
+  if (mayChangeWays(notification)) silentChanges.fetch_add(1, std::memory_order_relaxed);
+}
+
+}  // namespace
+
+std::uint64_t SoFieldContainer::getSilentChanges() { return silentChanges.load(std::memory_order_relaxed); }
+
 void SoFieldContainer::notify(SoNotification const& notification) {
   NotificationDepth const depth;  // what waits for this notification is called even when nobody is told
-  if (!m_notifyEnabled) return;
+  if (!m_notifyEnabled) return countSilent(notification);
   static std::atomic<std::uint32_t> lastVisit{0};
   std::uint32_t const visit = ++lastVisit;
 
@@ -216,10 +237,13 @@ void SoFieldContainer::notify(SoNotification const& notification) {
           break;
         case SoAuditorList::PATH: break;
       }
-      if (next && next->m_visit != visit && next->m_notifyEnabled) {
-        next->m_visit = visit;
-        reached.push_back({next, static_cast<int>(i - base)});
+      if (!next || next->m_visit == visit) continue;
+      if (!next->m_notifyEnabled) {
+        countSilent(notification);
+        continue;
       }
+      next->m_visit = visit;
+      reached.push_back({next, static_cast<int>(i - base)});
     }
   }
   if (referrers) referrers->tellSensors();

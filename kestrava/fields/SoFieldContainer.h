@@ -79,6 +79,9 @@ class SoFieldContainer : public SoBase {
   /// Switches notification of this object off or on; answers what it was.
   bool enableNotify(bool on);
   bool isNotifyEnabled() const { return m_notifyEnabled; }
+  /// Grows with every change of who is whose child, or which node a field refers to, that somebody was not told
+  /// of because a notification was off. Who keeps a picture of a graph learns from it how far to trust that.
+  static std::uint64_t getSilentChanges();
   /// Passes a change on to every auditor, up to the roots, each object once; then calls the immediate
   /// sensors that were met. Runs on the thread that makes the change.
   void notify(SoNotification const& notification);

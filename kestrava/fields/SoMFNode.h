@@ -47,6 +47,7 @@ class SoMFNode : public SoMField {
   void takeCopyOf(SoField const& other, SoCopier& copier) override;
   /// False, with a debug error, for a node that contains this field's container.
   bool mayHold(SoNode* node) const;
+  bool mayHoldAll(std::vector<SoNode*> const& nodes) const;
   void hold(SoNode* node);
   void release(SoNode* node);
 

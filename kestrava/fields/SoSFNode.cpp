@@ -1,5 +1,7 @@
 #include "kestrava/fields/SoSFNode.h"
 
+#include <algorithm>
+
 #include "kestrava/base/SoError.h"
 #include "kestrava/fields/SoMFNode.h"
 #include "kestrava/nodes/SoCopier.h"
@@ -51,6 +53,12 @@ bool SoSFNode::hasValueOf(SoField const& other) const {
   return getValue() == static_cast<SoSFNode const&>(other).getValue();
 }
 
+/// What a connection brings is refused like any other value.
+void SoSFNode::takeValueOf(SoField const& other) {
+  SoNode* const node = static_cast<SoSFNode const&>(other).m_value;
+  if (!refuseCircle(this, node)) hold(node);
+}
+
 void SoSFNode::takeCopyOf(SoField const& other, SoCopier& copier) {
   hold(copier.copyOf(static_cast<SoSFNode const&>(other).m_value));
 }
@@ -60,6 +68,9 @@ SoMFNode::~SoMFNode() {
 }
 
 bool SoMFNode::mayHold(SoNode* node) const { return !refuseCircle(this, node); }
+bool SoMFNode::mayHoldAll(std::vector<SoNode*> const& nodes) const {
+  return std::all_of(nodes.begin(), nodes.end(), [this](SoNode* node) { return mayHold(node); });
+}
 void SoMFNode::hold(SoNode* node) { holdNode(node, this); }
 void SoMFNode::release(SoNode* node) { releaseNode(node, this); }
 
@@ -87,9 +98,7 @@ void SoMFNode::replaceNode(int index, SoNode* node) {
 void SoMFNode::setValue(SoNode* node) { setValues({node}); }
 
 void SoMFNode::setValues(std::vector<SoNode*> const& nodes) {
-  for (SoNode* node : nodes) {
-    if (!mayHold(node)) return;
-  }
+  if (!mayHoldAll(nodes)) return;
   for (SoNode* node : nodes) hold(node);
   std::vector<SoNode*> const old = std::exchange(m_values, nodes);
   valueChanged();
@@ -120,6 +129,7 @@ bool SoMFNode::hasValueOf(SoField const& other) const {
 
 void SoMFNode::takeValueOf(SoField const& other) {
   std::vector<SoNode*> const nodes = static_cast<SoMFNode const&>(other).m_values;
+  if (!mayHoldAll(nodes)) return;
   for (SoNode* node : nodes) hold(node);
   for (SoNode* node : std::exchange(m_values, nodes)) release(node);
 }
@@ -138,6 +148,7 @@ bool SoMFNode::getOne(int index, SoField& single) const {
 
 void SoMFNode::appendValuesOf(SoMField const& other) {
   std::vector<SoNode*> const nodes = static_cast<SoMFNode const&>(other).m_values;
+  if (!mayHoldAll(nodes)) return;
   for (SoNode* node : nodes) hold(node);
   m_values.insert(m_values.end(), nodes.begin(), nodes.end());
 }

@@ -30,7 +30,7 @@ class SoSFNode : public SoSField {
  protected:
   friend class SoReader;
   bool hasValueOf(SoField const& other) const override;
-  void takeValueOf(SoField const& other) override { hold(static_cast<SoSFNode const&>(other).m_value); }
+  void takeValueOf(SoField const& other) override;
   void takeCopyOf(SoField const& other, SoCopier& copier) override;
   void hold(SoNode* node);
 

@@ -2,6 +2,7 @@
 
 #include "kestrava/base/SoError.h"
 
+
 bool SoGroup::mayHold(SoNode const* child, char const* operation) const {
   if (!child) {
     SoDebugError::post(operation, "the child is null");
@@ -52,6 +53,9 @@ void SoGroup::removeChild(SoNode* child) { removeChild(findChild(child)); }
 
 void SoGroup::removeAllChildren() {
   if (getNumChildren() == 0) return;
+  // They live until everybody has heard of it.
+  std::vector<SoRef<SoNode>> old;
+  for (int i = 0; i < getNumChildren(); ++i) old.emplace_back(getChild(i));
   m_children.truncate(0);
   notify({SoNotification::ALL_CHILDREN_REMOVED, this, nullptr, nullptr, -1});
 }

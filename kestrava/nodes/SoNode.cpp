@@ -16,6 +16,18 @@ std::uint64_t SoNode::nextNodeId() {
 
 namespace {
 
+struct DestroyedListener {
+  SoNode::DestroyedCB* function;
+  void* data;
+  bool operator==(DestroyedListener const&) const = default;
+};
+// Nodes may be destroyed after all static objects.
+std::vector<DestroyedListener>& destroyedListeners() {
+  static auto& listeners = *new std::vector<DestroyedListener>;
+  return listeners;
+}
+std::atomic<bool> anyDestroyedListener{false};
+
 SoSFBool* overrideField(SoNode const* node) {
   static SbName const name("override");
   SoField* field = node->getField(name);
@@ -36,6 +48,25 @@ bool canHoldNodes(SoNode const* node) {
 }
 
 } // namespace
+
+SoNode::~SoNode() {
+  if (!anyDestroyedListener) return;
+  // One may be taken away by another's function.
+  for (std::size_t i = 0; i < destroyedListeners().size(); ++i) {
+    DestroyedListener const listener = destroyedListeners()[i];
+    listener.function(listener.data, this);
+  }
+}
+
+void SoNode::addDestroyedCallback(DestroyedCB* function, void* data) {
+  destroyedListeners().push_back({function, data});
+  anyDestroyedListener = true;
+}
+
+void SoNode::removeDestroyedCallback(DestroyedCB* function, void* data) {
+  std::erase(destroyedListeners(), DestroyedListener{function, data});
+  anyDestroyedListener = !destroyedListeners().empty();
+}
 
 bool SoNode::closesCircle(SoFieldContainer const* holder, SoNode const* held) {
   if (holder == held) return true;

@@ -41,9 +41,15 @@ class SoNode : public SoFieldContainer {
   /// The latest node of that name, null when there is none.
   static SoNode* getByName(SbName const& name);
 
+  /// Called for every node that is destroyed, on the thread that does it: for tables that refer to many nodes
+  /// without holding them. Of the node only the address is left.
+  using DestroyedCB = void(void* data, SoNode const* node);
+  static void addDestroyedCallback(DestroyedCB* function, void* data);
+  static void removeDestroyedCallback(DestroyedCB* function, void* data);
+
  protected:
   SoNode() = default;
-  ~SoNode() override = default;
+  ~SoNode() override;
   void changed(SoNotification const&) override { m_nodeId = nextNodeId(); }
 
  private:

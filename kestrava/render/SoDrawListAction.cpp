@@ -1,7 +1,9 @@
 #include "kestrava/render/SoDrawListAction.h"
 
+#include <atomic>
 #include <bit>
 
+#include "kestrava/base/SoError.h"
 #include "kestrava/nodes/SoAnnotation.h"
 #include "kestrava/nodes/SoCallback.h"
 #include "kestrava/nodes/SoCamera.h"
@@ -122,6 +124,10 @@ size_t hashOf(SoDrawLook const& look) {
   return hash;
 }
 
+/// A graph that shares much may have more places than anybody can draw, or wait for.
+constexpr int MAX_ITEMS = 4'000'000;
+constexpr int MAX_VISITS = 30'000'000;
+
 /// What a node means beside what every action does at it.
 enum class Role : char { ORDINARY, CAMERA, VIEW_DEPENDENT, CALLBACK };
 
@@ -167,6 +173,15 @@ void SoDrawListAction::end() {
 }
 
 void SoDrawListAction::visit(SoNode* node) {
+  if (++m_numVisits > MAX_VISITS || m_list.m_items.size() >= MAX_ITEMS) {
+    static std::atomic<bool> reported{false};
+    if (!reported.exchange(true)) {
+      SoDebugError::postWarning("SoGLRenderAction",
+                                "the scene is drawn in part: it has more than %d shapes or %d places of nodes",
+                                MAX_ITEMS, MAX_VISITS);
+    }
+    return terminate();
+  }
   size_t const depth = getCurPath().getLength();
   m_steps.resize(depth, Step{});
   m_steps.back() = {node, getCurPath().getIndex(static_cast<int>(depth) - 1), -1};

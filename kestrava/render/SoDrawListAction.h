@@ -48,6 +48,7 @@ class SoDrawListAction : public SoStateAction {
   SoDrawList& m_list;
   SoDrawList::View const& m_view;
   std::vector<Step> m_steps;
+  int m_numVisits = 0;
   std::unordered_map<std::uint64_t, int> m_materialIndices;
   // By hashes: scenes may have thousands of each.
   std::unordered_multimap<size_t, int> m_textureIndices, m_lookIndices, m_surroundingsIndices;

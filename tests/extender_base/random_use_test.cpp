@@ -123,7 +123,7 @@ constexpr int STEPS = 1000;
 #endif
 
 TEST_F(RandomUseTest, WithAHostThatNeverRests) {
-  // By itself it now and then waits in an event loop of the careless user's making, why is not known yet.
+  // Few runs have been made since the faults that kept it from ending were mended.
   if (!std::getenv("VANTLE_RANDOM_SEED")) GTEST_SKIP() << "to be soaked: set VANTLE_RANDOM_SEED";
   host.newScene(30);
   startOn(host.root());
@@ -173,7 +173,7 @@ std::string describe(SoField const& field, State const& state) {
 }
 
 TEST_F(RandomUseTest, EverythingIsAsBeforeWhenAllIsUndone) {
-  // By itself it now and then waits in an event loop of the careless user's making, why is not known yet.
+  // Few runs have been made since the faults that kept it from ending were mended.
   if (!std::getenv("VANTLE_RANDOM_SEED")) GTEST_SKIP() << "to be soaked: set VANTLE_RANDOM_SEED";
   int const episodes = qMax(1, setting("VANTLE_RANDOM_STEPS", STEPS) / 50);
   int undone = 0;
@@ -192,8 +192,10 @@ TEST_F(RandomUseTest, EverythingIsAsBeforeWhenAllIsUndone) {
       if (node->isOfType(SoDragger::getClassTypeId())) continue;
       if (std::string_view(node->getTypeId().getName().getString()).ends_with("Manip")) continue;
       for (int i = 0; i < node->getNumFields(); ++i) {
-        SoField* const field = node->getField(i);
-        before.emplace_back(field, State(*field));
+        State const state(*node->getField(i));
+        // The text of a field of nodes says what is default in those.
+        if (state.value.str().find("Manip ") == std::string::npos)
+          before.emplace_back(node->getField(i), state);
       }
     }
     for (int step = 0; step < 50; ++step) {

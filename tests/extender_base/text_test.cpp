@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QToolButton>
@@ -108,6 +109,16 @@ TEST_F(TextTest, PastedLinesStayLines) {
   info->string = "x\ny";
   ASSERT_TRUE(waitFor([&] { return lines()->toPlainText() == "x\ny"; }));
   EXPECT_EQ(note(), "");
+}
+
+TEST_F(TextTest, AnEmptyClipboardPastesNothing) {
+  auto* const info = new SoInfo;
+  info->string = "a\nb";
+  edit(info, "string");
+  QGuiApplication::clipboard()->setMimeData(new QMimeData);
+  lines()->setFocus();
+  QTest::keyClick(lines(), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(lines()->toPlainText(), "a\nb");
 }
 
 TEST_F(TextTest, AVeryLongStringIsShownInPartOnly) {

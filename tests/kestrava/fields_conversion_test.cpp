@@ -10,8 +10,10 @@
 #include "kestrava/fields/SoSFNode.h"
 #include "kestrava/fields/SoSFString.h"
 #include "kestrava/nodes/SoCube.h"
+#include "kestrava/nodes/SoIndexedFaceSet.h"
 #include "kestrava/nodes/SoMaterial.h"
 #include "kestrava/nodes/SoSeparator.h"
+#include "kestrava/nodes/SoShaderProgram.h"
 #include "kestrava/nodes/SoSwitch.h"
 #include "kestrava/sensors/SoFieldSensor.h"
 #include "node_helpers.h"
@@ -293,4 +295,35 @@ TEST(FieldsFlags, NodeIdsChangeWithEveryChangeAndUpwards) {
   auto const rootId = root->getNodeId();
   root->addChild(new SoCube);
   EXPECT_NE(root->getNodeId(), rootId);
+}
+
+// A program that follows the children of such a node would not end.
+TEST(FieldsConversion, AConnectionMakesNoNodeContainItself) {
+  SoRef<SoSeparator> const root(new SoSeparator);
+  auto* const shape = new SoIndexedFaceSet;
+  auto* const program = new SoShaderProgram;
+  root->addChild(shape);
+  root->addChild(program);
+  SoRef<SoIndexedFaceSet> const other(new SoIndexedFaceSet);
+  SoRef<SoShaderProgram> const others(new SoShaderProgram);
+  auto* const cube = new SoCube;
+  other->vertexProperty = cube;
+  others->shaderObject.setValue(cube);
+  ASSERT_TRUE(shape->vertexProperty.connectFrom(&other->vertexProperty));
+  ASSERT_TRUE(program->shaderObject.connectFrom(&others->shaderObject));
+  EXPECT_EQ(shape->vertexProperty.getValue(), cube);
+  EXPECT_EQ(program->shaderObject.getNumValues(), 1);
+
+  other->vertexProperty = root.get();
+  others->shaderObject.setValue(root);
+  DebugErrors const errors;
+  EXPECT_EQ(shape->vertexProperty.getValue(), cube);
+  ASSERT_EQ(program->shaderObject.getNumValues(), 1);
+  EXPECT_EQ(program->shaderObject.getNode(0), cube);
+  ASSERT_EQ(errors.texts.size(), 2u);
+  EXPECT_NE(errors.texts[0].find("would contain itself through its field 'vertexProperty'"), std::string::npos);
+  shape->vertexProperty.disconnect();
+  program->shaderObject.disconnect();
+  EXPECT_TRUE(shape->vertexProperty.copyFrom(other->vertexProperty));
+  EXPECT_EQ(shape->vertexProperty.getValue(), cube);
 }
