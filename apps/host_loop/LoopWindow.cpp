@@ -41,7 +41,7 @@ LoopWindow::~LoopWindow() {
 Window LoopWindow::open(char const* title, int width, int height, XVisualInfo const* visual) {
   Window const root = DefaultRootWindow(m_display);
   XSetWindowAttributes attributes{};
-  attributes.event_mask = ExposureMask | KeyPressMask | ButtonPressMask | StructureNotifyMask;
+  attributes.event_mask = ExposureMask | KeyPressMask | ButtonPressMask | ButtonReleaseMask | StructureNotifyMask;
   unsigned long mask = CWEventMask;
   if (visual) {
     m_colormap = XCreateColormap(m_display, root, visual->visual, AllocNone);

@@ -70,6 +70,7 @@ RobotArm::RobotArm() {
   for (char const* name : {"turntable", "shoulder", "elbow", "wrist"}) {
     m_joints[next++] = static_cast<SoRotation*>(SoBase::getNamedBase(name, SoRotation::getClassTypeId()));
   }
+  m_hand = static_cast<SoNode*>(SoBase::getNamedBase("hand", SoNode::getClassTypeId()));
   pose(0);
 }
 

@@ -11,10 +11,12 @@ class RobotArm {
  public:
   RobotArm();
   SoNode* getRoot() const { return m_root; }
+  SoNode* getHand() const { return m_hand; }
   /// Puts the joints where they are after so many seconds.
   void pose(double seconds);
 
  private:
   SoRef<SoNode> m_root;
-  std::array<SoRotation*, 4> m_joints{}; // the scene's
+  SoNode* m_hand = nullptr; // the scene's, as the joints are
+  std::array<SoRotation*, 4> m_joints{};
 };

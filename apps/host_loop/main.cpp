@@ -6,6 +6,7 @@
 #include <X11/keysym.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +15,7 @@
 
 #include "apps/host_loop/LoopWindow.h"
 #include "apps/host_loop/RobotArm.h"
+#include "apps/hosts/SceneChanges.h"
 #include "kestrava/base/SoLibVantle.h"
 #include "kestrava/render/SoGuiRenderArea.h"
 #include "kestrava/render/SoOffscreenRenderArea.h"
@@ -30,15 +32,25 @@ constexpr char USAGE[] =
     "  --frames N                    end after N frames\n"
     "  --shot FILE.png               with --frames: write the view to FILE.png at the end\n"
     "  --abrupt                      end without stopping the inspector\n"
+    "  --keys LETTERS                press these keys, one every tenth frame\n"
     "  --help                        print this text\n"
     "\n"
-    "Keys: N, M and A start the inspector on the root node, the scene manager and the render area; S stops "
-    "it;\n"
-    "Q ends, X ends without stopping the inspector. A click in the view selects in the inspector what lies "
-    "there.\n";
+    "Keys\n"
+    "  1, 2, 3   start the inspector on the root node, the scene manager, the render area\n"
+    "  0         stop it\n"
+    "  Q, X      end; X without stopping the inspector\n";
+
+void printUsage() {
+  std::fputs(USAGE, stdout);
+  for (auto const& key : SceneChanges::KEYS) std::printf("  %c         %s\n", std::toupper(key.letter), key.what);
+  std::fputs(
+      "A click in the view selects in the inspector what lies there; with the control key held, the inspector lists\n"
+      "all that does.\n",
+      stdout);
+}
 
 struct Options {
-  std::string inspect, shot;
+  std::string inspect, shot, keys;
   long frames = 0; // 0: no end
   bool over = false, abrupt = false;
 };
@@ -66,12 +78,14 @@ Options parse(int argc, char** argv) {
       if (options.frames < 1) refuse("--frames takes a number from 1");
     } else if (argument == "--shot") {
       options.shot = value();
+    } else if (argument == "--keys") {
+      options.keys = value();
     } else if (argument == "--over") {
       options.over = true;
     } else if (argument == "--abrupt") {
       options.abrupt = true;
     } else if (argument == "--help") {
-      std::fputs(USAGE, stdout);
+      printUsage();
       std::exit(0);
     } else {
       refuse("unknown option " + argument);
@@ -85,7 +99,9 @@ Options parse(int argc, char** argv) {
 class Host {
  public:
   explicit Host(Options const& options)
-      : m_options(options), m_window("Robot arm", 800, 640), m_area(new SoGuiRenderArea) {
+      : m_options(options),
+        m_window("Robot arm  (keys: 1 2 3 0 inspector, A R S P L K M changes, Q quit)", 800, 640),
+        m_area(new SoGuiRenderArea) {
     if (getError()) return;
     manager()->setSceneGraph(m_arm.getRoot());
     manager()->setViewportRegion(SbViewportRegion(800, 640));
@@ -116,7 +132,9 @@ class Host {
     for (long frame = 1; !m_ends; ++frame) {
       double const began = seconds();
       handleEvents();
+      pressGivenKey(frame);
       m_arm.pose(began);
+      say(m_changes.turn(began));
       // The toolkit's timers and what waits for the end of all changes; idle sensors too, as this loop has
       // the time.
       SoSensorManager::processTimerQueue();
@@ -135,7 +153,11 @@ class Host {
 
  private:
   SoSceneManager* manager() const { return m_area->getSceneManager(); }
-  static void say(char const* what) { std::printf("host_loop: %s\n", what); }
+  static void say(std::string const& what) {
+    if (what.empty()) return;
+    std::printf("host_loop: %s\n", what.c_str());
+    std::fflush(stdout);
+  }
 
   /// By the first letter of the way.
   void inspect(char way) {
@@ -177,7 +199,9 @@ class Host {
         case KeyPress:
           key(XkbKeycodeToKeysym(m_window.getDisplay(), static_cast<KeyCode>(event.xkey.keycode), 0, 0));
           break;
-        case ButtonPress: {
+        // Not the press: until the button is up this window keeps the pointer, and the inspector can open no menu.
+        case ButtonRelease: {
+          if (event.xbutton.button != Button1) break;
           // X counts pixels from above, the toolkit from below.
           SbViewportRegion const& region = manager()->getViewportRegion();
           int const y = region.getViewportSizePixels()[1] - 1 - event.xbutton.y;
@@ -196,15 +220,23 @@ class Host {
     }
   }
 
+  /// Of --keys.
+  void pressGivenKey(long frame) {
+    long const which = frame / 10 - 1;
+    if (frame % 10 == 0 && which < static_cast<long>(m_options.keys.size())) {
+      say(m_changes.press(m_options.keys[static_cast<std::size_t>(which)]));
+    }
+  }
+
   void key(KeySym symbol) {
     switch (symbol) {
-      case XK_n:
+      case XK_1:
         return inspect('n');
-      case XK_m:
+      case XK_2:
         return inspect('m');
-      case XK_a:
+      case XK_3:
         return inspect('a');
-      case XK_s:
+      case XK_0:
         return SoLibVantle::instance()->stop();
       case XK_x:
         m_options.abrupt = true;
@@ -213,7 +245,7 @@ class Host {
         m_ends = true;
         return;
       default:
-        return;
+        if (symbol < 0x80) say(m_changes.press(static_cast<char>(symbol)));
     }
   }
 
@@ -237,6 +269,7 @@ class Host {
   Options m_options;
   LoopWindow m_window;
   RobotArm m_arm;
+  SceneChanges m_changes{static_cast<SoGroup*>(m_arm.getRoot()), m_arm.getHand(), 2.2f, 0.3f};
   SoRef<SoGuiRenderArea> m_area;
   Window m_second = 0; // for the inspector; 0: not opened
   bool m_needsFrame = true, m_runs = false, m_ends = false;

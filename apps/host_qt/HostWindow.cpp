@@ -6,11 +6,16 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <cctype>
+#include <cstdio>
 
 #include "apps/host_qt/HostScene.h"
 #include "kestrava/base/SoLibVantle.h"
 
-HostWindow::HostWindow() : m_scene(makeHostScene()) {
+HostWindow::HostWindow()
+    : m_scene(makeHostScene()),
+      m_changes(static_cast<SoGroup*>(m_scene.get()),
+                static_cast<SoNode*>(SoBase::getNamedBase("moon", SoNode::getClassTypeId())), 3.7f, -1.2f) {
   setWindowTitle(tr("Orrery"));
   auto* const content = new QWidget;
   auto* const layout = new QVBoxLayout(content);
@@ -46,6 +51,7 @@ HostWindow::HostWindow() : m_scene(makeHostScene()) {
   // now and then: it carries out the stop that the user asks for by closing the inspector's window.
   connect(&m_timer, &QTimer::timeout, this, &HostWindow::turn);
   m_timer.start(16);
+  m_clock.start();
   showState();
 }
 
@@ -65,6 +71,21 @@ void HostWindow::makeMenus() {
   inspector->addSeparator();
   m_stopAction =
       inspector->addAction(tr("&Stop Inspecting"), tr("Ctrl+0"), this, &HostWindow::stopInspecting);
+  // The view has plain letters of its own.
+  QMenu* const scene = menuBar()->addMenu(tr("&Scene"));
+  for (auto const& key : SceneChanges::KEYS) {
+    scene->addAction(tr(key.what), QKeySequence(Qt::CTRL | Qt::Key(std::toupper(key.letter))), this,
+                     [this, letter = key.letter] { change(letter); });
+  }
+}
+
+void HostWindow::change(char letter) { tell(m_changes.press(letter)); }
+
+void HostWindow::tell(std::string const& what) {
+  if (what.empty()) return;
+  std::printf("host_qt: %s\n", what.c_str());
+  std::fflush(stdout);
+  statusBar()->showMessage(QString::fromStdString(what), 3000);
 }
 
 void HostWindow::inspect(Way way) {
@@ -91,6 +112,11 @@ void HostWindow::stopInspecting() {
 }
 
 void HostWindow::turn() {
+  if (!m_letters.empty() && m_turns % 10 == 9) {
+    change(m_letters.front());
+    m_letters.erase(0, 1);
+  }
+  tell(m_changes.turn(static_cast<double>(m_clock.elapsed()) / 1000));
   if (m_way >= 0 && !SoLibVantle::instance()->processEvents()) showState();
   if (++m_turns != m_lastTurn) return;
   if (!m_picture.isEmpty() && !m_viewer.getWidget()->grab().save(m_picture)) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <array>
 
+#include "apps/hosts/SceneChanges.h"
 #include "kestrava/nodes/SoNode.h"
 #include "kestrava_qt/SoQtExaminerViewer.h"
 
@@ -25,18 +27,25 @@ class HostWindow : public QMainWindow {
   /// Ends the application after that many turns of the timer; first writes the view to a file, unless that is
   /// empty.
   void endAfter(int turns, QString const& picture);
+  /// Makes these changes to the scene, one every tenth turn.
+  void press(std::string const& letters) { m_letters = letters; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
 
  private:
   void makeMenus();
+  void change(char letter);
+  void tell(std::string const& what);
   void turn();
   void showState();
 
   SoRef<SoNode> m_scene;
+  SceneChanges m_changes;
+  std::string m_letters; // to be pressed yet
   SoQtExaminerViewer m_viewer;
   QTimer m_timer;
+  QElapsedTimer m_clock;
   int m_turns = 0;
   int m_lastTurn = 0; // 0: none
   QString m_picture;

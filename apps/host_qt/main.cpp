@@ -20,12 +20,14 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QCommandLineParser parser;
   parser.setApplicationDescription(
-      "Shows an orrery that the inspector can look into: see the menu \"Inspector\".");
+      "Shows an orrery that the inspector can look into: see the menu \"Inspector\". The menu \"Scene\" changes it "
+      "meanwhile.");
   parser.addHelpOption();
   parser.addOptions({
       {"inspect", "Start the inspector at once on the <node>, the <manager> or the <area>.",
        "node|manager|area"},
       {"frames", "End after <N> turns of the program's timer, 60 a second.", "N"},
+      {"keys", "Make the changes of the menu \"Scene\" with these <letters>, one every tenth turn.", "letters"},
       {"shot", "With --frames: write the view to <FILE.png> at the end.", "FILE.png"},
   });
   parser.process(application);
@@ -42,6 +44,7 @@ int main(int argc, char** argv) {
   window.resize(900, 700);
   window.show();
   if (way >= 0) window.inspect(HostWindow::Way(way));
+  window.press(parser.value("keys").toStdString());
   if (frames > 0) window.endAfter(frames, parser.value("shot"));
   return QApplication::exec();
 }

@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
+#include <vector>
 
 #include "kestrava/base/SbImageReader.h"
 #include "tests/apps/run_program.h"
@@ -80,6 +82,59 @@ INSTANTIATE_TEST_SUITE_P(
       std::string const name = std::string(c.program) + (*c.inspect ? "_" : "") + c.inspect;
       return *c.more ? name + "_" + (c.more + 2) : name;
     });
+
+/// A test of what both hosts print: the lines without the program's name.
+std::vector<std::string> linesOf(std::string const& program, std::string const& output) {
+  std::vector<std::string> lines;
+  std::istringstream in(output);
+  for (std::string line; std::getline(in, line);) {
+    std::string const prefix = program + ": ";
+    EXPECT_EQ(line.substr(0, prefix.size()), prefix) << "nobody else has anything to say";
+    if (line.find(": inspected: ") == std::string::npos) lines.push_back(line.substr(std::min(line.size(), prefix.size())));
+  }
+  return lines;
+}
+
+TEST_F(HostsTest, ChangeTheirScenesWhileTheyAreInspected) {
+  for (char const* program : {"host_qt", "host_loop"}) {
+    for (char const* inspect : {"manager", "node"}) {
+      Outcome const result =
+          host(program, std::string("--frames 175 --keys srpaasplkklrrrra --inspect ") + inspect);
+      EXPECT_EQ(result.status, 0) << result.output;
+      std::vector<std::string> const lines = linesOf(program, result.output);
+      std::string const sample = std::string(program) == "host_qt" ? "moon" : "hand";
+      std::vector<std::string> const expected{
+          sample + " stands at one more place",
+          "removed " + sample,
+          "there is no shape to be replaced yet",
+          "added thing2",
+          "added thing3",
+          "thing3 stands at one more place",
+          "replaced the shape of thing3 by a Sphere",
+          "loaded host_part.kv, with 1 boxes",
+          "added a kit",
+          "the kit's shape is a Sphere",
+          "loaded host_part.kv, with 2 boxes",
+          "removed thing2",
+          "removed thing3",
+          "removed thing3",
+          "nothing is left to be removed",
+          "added thing7",
+      };
+      EXPECT_EQ(lines, expected) << program << " " << inspect;
+    }
+  }
+}
+
+TEST_F(HostsTest, ManyChangesEndByThemselves) {
+  for (char const* program : {"host_qt", "host_loop"}) {
+    Outcome const result = host(program, "--frames 260 --keys m --inspect area");
+    EXPECT_EQ(result.status, 0) << result.output;
+    std::vector<std::string> const lines = linesOf(program, result.output);
+    ASSERT_EQ(lines.size(), 2u) << result.output;
+    EXPECT_EQ(lines[1].substr(0, 17), "30000 changes in ");
+  }
+}
 
 TEST_F(HostsTest, GoOnWithoutTheInspector) {
   for (char const* program : {"host_qt", "host_loop"}) {
