@@ -140,21 +140,105 @@ BENCH(tree_memory) {
   bench::report({"", own / count, "bytes/row", floor / count});
 }
 
+namespace {
+
+/// A tree of a million rows, and how long going through all of them takes.
+struct MillionRows {
+  MillionRows() {
+    tree.initTree(scene);
+    walk = bench::fastest([this] {
+      int count = 0;
+      for (QTreeWidgetItemIterator it(&tree); *it; ++it) ++count;
+      bench::keep(count);
+    });
+  }
+  struct Application {
+    Application() { makeApplication(); }
+  } application;
+  SoRef<SoSeparator> scene{makeScene(330'000)};
+  SoVantleTreeView tree;
+  double walk;
+};
+
+} // namespace
+
 BENCH(tree_filter) {
+  MillionRows rows;
+  double const filter = bench::fastest([&] {
+    rows.tree.setFilter(Vnt::ALL_NODE_CATEGORIES - Vnt::Shape);
+    rows.tree.setFilter(Vnt::ALL_NODE_CATEGORIES);
+  });
+  bench::report({"", filter / 2 * 1e3, "ms", rows.walk * 1e3});
+}
+
+BENCH(tree_find) {
+  MillionRows rows;
+  for (auto const& [name, mode] : {std::pair{"type", SoVantleTreeView::FIND_TYPE},
+                                   std::pair{"name", SoVantleTreeView::FIND_NAME},
+                                   std::pair{"address", SoVantleTreeView::FIND_ADDRESS}}) {
+    double const find = bench::fastest([&] { bench::keep(rows.tree.find(mode, QStringLiteral("zyx"), 0)); });
+    bench::report({name, find * 1e3, "ms", rows.walk * 1e3});
+  }
+}
+
+// What the index from nodes to rows takes of the build; the build is the floor.
+BENCH(tree_index) {
   makeApplication();
   SoRef<SoSeparator> const scene = makeScene(LEAVES);
+  double const build = bench::fastest(
+      [&] {
+        SoVantleTreeView tree;
+        tree.initTree(scene);
+      },
+      3);
   SoVantleTreeView tree;
   tree.initTree(scene);
-  double const walk = bench::fastest([&] {
-    int count = 0;
-    for (QTreeWidgetItemIterator it(&tree); *it; ++it) ++count;
-    bench::keep(count);
+  std::vector<SoTreeViewItem*> rows;
+  for (SoTreeViewItem* row = tree.firstChild(); row; row = SoVantleTreeView::itemBelowInTree(row)) rows.push_back(row);
+  SoReferencedNodeManager* const references = tree.getReferencedNodeManager();
+  double index = 1e9;
+  for (int i = 0; i < 3; ++i) {
+    references->clearNodeMap();
+    index = std::min(index, bench::fastest(
+                                [&] {
+                                  for (SoTreeViewItem* row : rows) references->addItem(row);
+                                },
+                                1));
+  }
+  bench::report({"", index * 1e3, "ms", build * 1e3});
+}
+
+// A child of a group that stands at many places, against as many bare rows.
+BENCH(tree_shared_child) {
+  makeApplication();
+  SoRef<SoSelection> const selection(new SoSelection);
+  SoVantleTreeView tree;
+  tree.setGraphSelection(selection);
+  SoRef<SoSeparator> const scene = makeScene(LEAVES);
+  auto* const shared = new SoSeparator;
+  constexpr int PLACES = 1000;
+  for (int i = 0; i < PLACES; ++i) {
+    auto* const above = new SoSeparator;
+    above->addChild(shared);
+    scene->addChild(above);
+  }
+  selection->addChild(scene);
+  QTreeWidget bare;
+  std::vector<QTreeWidgetItem*> places;
+  for (int i = 0; i < PLACES; ++i) places.push_back(new QTreeWidgetItem(&bare));
+  double const own = bench::fastest([&] {
+    for (int i = 0; i < 10; ++i) {
+      shared->addChild(new SoCube);
+      shared->removeChild(0);
+    }
   });
-  double const filter = bench::fastest([&] {
-    tree.setFilter(Vnt::ALL_NODE_CATEGORIES - Vnt::Shape);
-    tree.setFilter(Vnt::ALL_NODE_CATEGORIES);
+  double const floor = bench::fastest([&] {
+    for (int i = 0; i < 10; ++i) {
+      for (QTreeWidgetItem* place : places) place->addChild(new QTreeWidgetItem);
+      for (QTreeWidgetItem* place : places) delete place->takeChild(0);
+    }
   });
-  bench::report({"", filter / 2 * 1e3, "ms", walk * 1e3});
+  bench::report({"", own * 1e6 / 10 / PLACES, "us/place", floor * 1e6 / 10 / PLACES});
 }
 
 BENCH(tree_one_child) {

@@ -31,8 +31,11 @@ inline int setting(char const* name, int otherwise) {
 class CarelessPerson {
  public:
   explicit CarelessPerson(unsigned seed) : m_random(seed) {
-    QObject::connect(&m_closer, &QTimer::timeout, &m_closer, [this] { closeBoxes(); });
+    // Not from the timer itself, which does not fire again while what it closes opens the next box.
+    QObject::connect(
+        &m_closer, &QTimer::timeout, &m_closer, [this] { closeBoxes(); }, Qt::QueuedConnection);
     m_closer.start(10);
+    m_acting.start();
   }
 
   int below(int count) { return count > 0 ? static_cast<int>(m_random() % static_cast<unsigned>(count)) : 0; }
@@ -226,7 +229,7 @@ class CarelessPerson {
       return takes ? dialog->accept() : dialog->reject();
     }
     // An act that lasts waits for something.
-    if (!m_acting.isValid() || m_acting.elapsed() < 300) return;
+    if (m_acting.elapsed() < 300) return;
     if (QWidget* const popup = QApplication::activePopupWidget()) popup->close();
     QDrag::cancel();
   }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QStringList>
+#include <functional>
+#include <map>
 #include <vector>
 
 #include "kestrava/base/SoChildList.h"
@@ -152,9 +154,27 @@ class LivelyHost {
     }
     return m_root;
   }
+  /// The places of the whole scene, once a node has become a child of a group.
+  double placesWith(SoNode* added, SoGroup const* group) const {
+    std::map<SoNode const*, double> known;
+    std::function<double(SoNode*)> const below = [&](SoNode* node) {
+      if (!known.try_emplace(node, 1).second) return known[node];
+      double places = 1;
+      SoChildList* const children = node->getChildren();
+      for (int k = 0; children && k < children->getLength(); ++k) places += below((*children)[k]);
+      if (node == group) places += below(added);
+      return known[node] = places;
+    };
+    return below(m_root);
+  }
   void addNode() {
     SoGroup* const group = anyGroup();
-    if (m_random.happens(10)) return group->addChild(m_random.pick(nodes())); // shared, or refused
+    if (m_random.happens(10)) {
+      // Shared, or refused. A few dozen nodes that are shared again and again have millions of places.
+      SoNode* const shared = m_random.pick(nodes());
+      if (placesWith(shared, group) <= MOST_PLACES) group->addChild(shared);
+      return;
+    }
     if (nodes().size() < 60) group->insertChild(makeNode(), m_random.below(group->getNumChildren() + 1));
   }
   void removeNode() {
@@ -189,6 +209,7 @@ class LivelyHost {
       field->setDefault(!field->isDefault());
   }
 
+  static constexpr double MOST_PLACES = 1000;
   CarelessPerson& m_random;
   std::vector<SoType> m_nodeTypes, m_engineTypes;
   SoRef<SoSeparator> m_root;

@@ -1,5 +1,6 @@
 // Rows of the scene tree: which there are, and what they say.
 
+#include <QApplication>
 #include <QTest>
 
 #include "kestrava/fields/SoMFNode.h"
@@ -14,6 +15,7 @@
 #include "kestrava/nodes/SoVertexProperty.h"
 #include "kestrava/nodes/SoWWWInline.h"
 #include "tests/vantle/SceneRows.h"
+#include "tests/vantle/SessionChild.h"
 #include "tests/vantle/VantleTest.h"
 #include "vantle/tree/SoReferencedNodeManager.h"
 #include "vantle/tree/SoSortedItemList.h"
@@ -223,6 +225,174 @@ TEST_F(RowsTest, TheIndexFindsEveryRowOfANode) {
   rows.clear();
   references.getAllItems(cube, rows);
   EXPECT_EQ(rows.size(), 2);
+}
+
+TEST_F(RowsTest, RowsMadeByHand) {
+  SoVantleTreeView view;
+  SoReferencedNodeManager const& references = *view.getReferencedNodeManager();
+  SoRef<SoSeparator> const group(new SoSeparator);
+  SoRef<SoIndexedFaceSet> const shape(new SoIndexedFaceSet);
+  SoRef<SoCube> const cube(new SoCube);
+  auto* const top = new SoTreeViewItem(&view, group, nullptr, nullptr);
+  auto* const second = new SoTreeViewItem(&view, top, cube, nullptr, nullptr);
+  auto* const a = new SoTreeViewItem(top, cube, nullptr, nullptr);
+  auto* const c = new SoTreeViewItem(top, shape, nullptr, nullptr);
+  auto* const b = new SoTreeViewItem(top, a, cube, nullptr, nullptr);
+  auto* const held = new SoTreeViewItem(c, cube, &shape->vertexProperty, nullptr);
+  auto* const below = new SoTreeViewItem(held, cube, nullptr, nullptr);
+  EXPECT_EQ(view.firstChild(), top);
+  EXPECT_EQ(second->previousSibling(), top);
+  EXPECT_EQ(b->nextSibling(), c);
+  EXPECT_EQ(references.rowCount(), 7);
+  EXPECT_EQ(references.rowsOf(cube).size(), 5u);
+  EXPECT_TRUE(below->fromSubTreeField() && !below->fromField());
+  for (SoTreeViewItem* row : {a, b, c})
+    EXPECT_EQ(row->data(0, Qt::UserRole).toInt(), row->row()) << "numbered as they come";
+
+  // Taken out and appended again.
+  top->takeItem(a);
+  EXPECT_EQ(a->listView(), nullptr);
+  EXPECT_EQ(references.rowsOf(cube).size(), 4u);
+  EXPECT_EQ(c->getSceneIndex(), 1);
+  top->insertItem(a);
+  EXPECT_EQ(top->rawChild(2), a);
+  EXPECT_EQ(a->getSceneIndex(), 2);
+  EXPECT_EQ(references.rowsOf(cube).size(), 5u);
+  top->takeItem(1); // with all that is below it
+  EXPECT_EQ(references.rowCount(), 4);
+  top->insertItem(c);
+  EXPECT_EQ(references.rowCount(), 7);
+  view.takeItem(1);
+  EXPECT_EQ(view.topLevelItemCount(), 1);
+  view.insertItem(second);
+  EXPECT_EQ(references.rowCount(), 7);
+
+  a->setBookmarked(true);
+  a->setIgnoreFlag(true);
+  a->setRowSelectable(false);
+  a->init(nullptr);
+  EXPECT_FALSE(a->isIgnored() || a->isBookmarked() || !a->isRowSelectable() || !a->isInSceneGraph());
+  EXPECT_EQ(references.rowCount(), 7) << "registered once";
+  a->setData(0, Qt::UserRole, 5);
+  EXPECT_EQ(a->getSceneIndex(), 5);
+  top->generateSceneIndex();
+  EXPECT_EQ(a->getSceneIndex(), 1);
+
+  c->insertItem(new SoTreeViewItem(c, cube, nullptr, nullptr));
+  c->deleteAllBranches(true);
+  EXPECT_EQ(c->childCount(), 1);
+  EXPECT_EQ(c->child(0), held);
+  top->deleteAllBranches(false);
+  EXPECT_EQ(references.rowCount(), 2);
+}
+
+TEST_F(RowsTest, KindsOfParts) {
+  using KitItem = SoTreeViewItemPrivate::SoBaseKitItemPrivate;
+  SoRef<SoShapeKit> const kit(new SoShapeKit);
+  SoRef<SoNode> const transform(kit->getPart("transform", true)), other(new SoCube);
+  KitItem const top(kit, kit->topSeparator.getValue()), part(kit, transform), none(kit, other);
+  EXPECT_EQ(top.partType, 2);
+  EXPECT_EQ(part.partType, 1);
+  EXPECT_EQ(part.partNumber, kit->getNodekitCatalog().getPartNumber("transform"));
+  EXPECT_FALSE(none.isPart);
+  EXPECT_EQ(none.partType, 0);
+  EXPECT_EQ(none.partNumber, -1);
+  EXPECT_TRUE(none.partName.empty());
+}
+
+/// A tree in a process of its own, which reads the keys of its environment when it starts.
+template <typename Look> int lookAtTree(Look look) {
+  int count = 1;
+  char name[] = "vantle";
+  char* arguments[] = {name, nullptr};
+  QApplication application(count, arguments);
+  return look();
+}
+
+std::string linesOfAll() {
+  SoRef<SoSeparator> const scene(new SoSeparator);
+  auto* const kit = new SoSeparatorKit;
+  kit->getPart("transform", true);
+  auto* const external = new SoWWWInline;
+  external->alternateRep.setValue(new SoCube);
+  external->setChildData(new SoSeparator);
+  auto* const shape = new SoIndexedFaceSet;
+  shape->vertexProperty.setValue(new SoVertexProperty);
+  for (SoNode* node : std::initializer_list<SoNode*>{kit, external, shape}) scene->addChild(node);
+  WatchedTree tree(scene);
+  std::string const lines = rowLines(tree.view, false);
+  std::fputs(lines.c_str(), stderr);
+  return lines;
+}
+
+SessionChild const internalChildren("internal children", [] {
+  return lookAtTree([] {
+    CHILD_EXPECT(linesOfAll() == R"(0 Separator
+  0 SeparatorKit
+    0 Separator 'topSeparator'
+      0 Transform 'transform'
+  1 WWWInline
+    0 Separator
+      0 Cube
+    1 Separator
+  2 IndexedFaceSet
+)");
+    // A change of what is shown only there.
+    SoRef<SoSeparator> const scene(new SoSeparator);
+    auto* const external = new SoWWWInline;
+    auto* const kit = new SoSeparatorKit;
+    scene->addChild(external);
+    scene->addChild(kit);
+    WatchedTree tree(scene);
+    external->alternateRep.setValue(new SoCube);
+    external->setChildData(new SoCube);
+    kit->setPart("childList[0]", new SoSeparatorKit);
+    kit->getPart("transform", true);
+    SoVantleTreeView fresh;
+    fresh.initTree(scene);
+    if (rowLines(tree.view) != rowLines(fresh)) std::fputs((rowLines(tree.view) + "fresh:\n" + rowLines(fresh)).c_str(), stderr);
+    CHILD_EXPECT(rowLines(tree.view) == rowLines(fresh));
+    return 0;
+  });
+});
+
+SessionChild const launchedByHost("launched by a host", [] {
+  return lookAtTree([] {
+    CHILD_EXPECT(linesOfAll() == R"(0 Separator
+  0 SeparatorKit
+    0 Separator 'topSeparator'
+      0 Transform 'transform'
+  1 WWWInline
+    0 Separator
+  2 IndexedFaceSet
+)");
+    return 0;
+  });
+});
+
+SessionChild const withoutHighlight("without highlight", [] {
+  return lookAtTree([] {
+    WatchedTree tree(new SoSeparator);
+    tree.view.setCurrentItem(nullptr);
+    tree.view.setCurrentItem(tree.root());
+    CHILD_EXPECT(tree.selection->getNumSelected() == 0);
+    return 0;
+  });
+});
+
+TEST(RowsUnderKeys, AreOthers) {
+  struct {
+    char const *key, *value;
+    SessionChild const& child;
+  } const cases[] = {{"VANTLE_SHOW_INTERNAL_CHILDREN", "1", internalChildren},
+                     {"KSRU_LAUNCH_VANTLE", "1", launchedByHost},
+                     {"PLX_LAUNCH_VANTLE", "1", launchedByHost},
+                     {"KSV_VANTLE_AUTO_HIGHLIGHT", "0", withoutHighlight}};
+  for (auto const& c : cases) {
+    qputenv(c.key, c.value);
+    EXPECT_EQ(c.child.run(), "") << c.key;
+    qunsetenv(c.key);
+  }
 }
 
 } // namespace

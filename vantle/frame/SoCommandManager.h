@@ -42,6 +42,14 @@ class SoCommandManager : public QObject {
   /// themselves.
   static void applySceneErrorCB(SoError const* error, void* manager);
   void displayError();
+  /// Says something in the status bar for a few seconds.
+  void announce(QString const& what);
+  // What a search looks at and how: SoVantleTreeView::FindMode and FindFlag. One state for all who search.
+  int getFindMode() const { return m_findMode; }
+  int getFindFlags() const { return m_findFlags; }
+  /// Any other value than those of FindMode changes nothing.
+  void setFindMode(int mode);
+  void setFindFlags(int flags);
   /// A row of the tree is about to be destroyed.
   void forgetItem(SoTreeViewItem* item);
 
@@ -107,10 +115,10 @@ class SoCommandManager : public QObject {
   SoTreeViewItem* currentTreeItem() const;
   void endOperation();
   void describeHistory();
-  void announce(QString const& what);
   void setOverviewItem(SoTreeViewItem* item);
-  void makeCurrent(SoTreeViewItem* item);
+  void goTo(SoTreeViewItem* item, bool backwards, QString const& onlyOne);
   void findWith(int flags);
+  QString nothingFound(QString const& text, int flags) const;
 
   SoVantleTreeView* m_treeView = nullptr; // the viewer's
   std::unique_ptr<QString> m_pendingReadError;
@@ -124,4 +132,6 @@ class SoCommandManager : public QObject {
   /// Where a watched field was taken from; the key is the watch entry's address as a decimal number.
   std::unique_ptr<QMultiHash<QString, SoTreeViewItem*>> m_watchOrigins;
   SoNode* m_nodeClipboard = nullptr;
+  int m_findMode = 0;
+  int m_findFlags = 0;
 };

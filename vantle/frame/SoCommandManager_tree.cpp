@@ -1,10 +1,7 @@
 // The slots of the tree, the node overview and the field watch.
 //
-// What edits the tree, the find dialog and the preferences dialog come with those; until a slot has its
-// worker it answers as it does to an empty selection.
+// What edits the tree and the find dialog come with those; until a slot has its worker it says so in the status bar.
 
-#include <QComboBox>
-#include <QLineEdit>
 #include <QPointer>
 #include <algorithm>
 
@@ -95,9 +92,15 @@ void SoCommandManager::nodeNameChanged(SoNode* node) {
 
 void SoCommandManager::nodeSetOverride(bool) {}
 
-/// One page for each extension that has registered one.
+/// The panels' pages, and one for each extension that has registered one.
 void SoCommandManager::editPreferences() {
   QList<Preferences> pages;
+  auto const add = [&pages](auto* provider) {
+    Preferences page;
+    provider->getPreferences(page.page, page.title, page.receiver, page.initSlot, page.setSlot);
+    pages << page;
+  };
+  add(m_treeView);
   auto const panels = VntShellImpl::getImplInstance()->getPreferencePanel();
   for (auto panel = panels.begin(); panel != panels.end(); ++panel) {
     std::string const title = panel.key()->getInfo().toLatin1();
@@ -164,38 +167,24 @@ void SoCommandManager::nextReference() { m_treeView->nextReference(); }
 void SoCommandManager::previousReference() { m_treeView->previousReference(); }
 void SoCommandManager::setFilter(int filter) { m_treeView->setFilter(filter); }
 
-void SoCommandManager::ignoreEnable() {}
-void SoCommandManager::treeAddNode(SoTreeViewItem*) {}
-void SoCommandManager::treeMoveNode(SoTreeViewItem*, SoTreeViewItem*, bool) {}
-void SoCommandManager::treeDeleteNode(SoTreeViewItem*) {}
-void SoCommandManager::cutNode() {}
-void SoCommandManager::copyNode() {}
-void SoCommandManager::pasteNode() {}
-
-// Bookmarks and search.
-
-void SoCommandManager::makeCurrent(SoTreeViewItem* item) {
-  if (!item) return;
-  m_treeView->setCurrentItem(item);
-  m_treeView->scrollToItem(item);
+void SoCommandManager::ignoreEnable() {
+  if (SoTreeViewItem* const item = currentTreeItem()) m_treeView->itemStateChanged(item->isIgnored(), item);
 }
-
-void SoCommandManager::toggleBookmark() {
-  if (SoTreeViewItem* const item = currentTreeItem()) item->setBookmarked(!item->isBookmarked());
+void SoCommandManager::treeAddNode(SoTreeViewItem*) { announce(tr("Adding nodes is not available yet.")); }
+void SoCommandManager::treeMoveNode(SoTreeViewItem* itemToMove, SoTreeViewItem* itemInsertAfter, bool spaceBarPressed) {
+  if (!itemToMove || !itemInsertAfter) return;
+  QString const text = spaceBarPressed ? tr("Moving %1 behind %2 is not available yet.")
+                                       : tr("Moving %1 onto %2 is not available yet.");
+  announce(text.arg(itemToMove->text(SoVantleTreeView::TYPE_COLUMN),
+                    itemInsertAfter->text(SoVantleTreeView::TYPE_COLUMN)));
 }
-
-void SoCommandManager::nextBookmark() { makeCurrent(m_treeView->nextBookmark()); }
-void SoCommandManager::previousBookmark() { makeCurrent(m_treeView->previousBookmark()); }
-void SoCommandManager::clearBookmark() { m_treeView->clearBookmark(); }
-
-void SoCommandManager::showFindDialog() {}
-
-// Without a dialog that says otherwise: by type, upper and lower case alike, anywhere in the text.
-void SoCommandManager::find() { findWith(0); }
-void SoCommandManager::findNext() { findWith(0); }
-void SoCommandManager::findPrevious() { findWith(SoVantleTreeView::FIND_BACKWARD); }
-
-void SoCommandManager::findWith(int flags) {
-  QString const text = mainFrame()->getFindComboBox()->lineEdit()->text();
-  makeCurrent(m_treeView->find(SoVantleTreeView::FIND_TYPE, text, flags));
+void SoCommandManager::treeDeleteNode(SoTreeViewItem* itemToDelete) {
+  if (itemToDelete || currentTreeItem()) announce(tr("Deleting nodes is not available yet."));
 }
+void SoCommandManager::cutNode() {
+  if (currentTreeItem()) announce(tr("Cutting nodes is not available yet."));
+}
+void SoCommandManager::copyNode() {
+  if (currentTreeItem()) announce(tr("Copying nodes is not available yet."));
+}
+void SoCommandManager::pasteNode() { announce(tr("Pasting nodes is not available yet.")); }

@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -15,6 +14,8 @@
 #include "kestrava/io/SoInput.h"
 #include "kestrava/nodes/SoWWWInline.h"
 #include "vantle/frame/SoCommandManager.h"
+#include "vantle/frame/SoFindBox.h"
+#include "vantle/frame/SoTreeStatus.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/LiveInput.h"
 #include "vantle/session/VntServicesImpl.h"
@@ -44,7 +45,7 @@ SoVantleMainFrame::~SoVantleMainFrame() {
   delete m_editToolbar;
   delete m_fileToolbar;
   delete m_filterToolbar;
-  delete m_findComboBox;
+  delete m_findBox;
   delete m_searchToolbar;
   // A host may have set its own meanwhile.
   if (SoWWWInline::getFetchURLData() == this) SoWWWInline::setFetchURLCallBack(nullptr);
@@ -71,6 +72,7 @@ void SoVantleMainFrame::init() {
     m_recentFilesMenu->setEnabled(false);
   }
   m_treeview = viewer->getTreeView();
+  statusBar()->addPermanentWidget(new SoTreeStatus(m_treeview, statusBar()));
   setDefaultState();
   services->getCommandManager()->initCommandManager(attached);
   viewer->initViewer();
@@ -80,6 +82,13 @@ SoNode* SoVantleMainFrame::getVantleSceneGraph() const {
   return SoVantleViewer::isInstance() ? SoVantleViewer::getInstance()->getScene() : nullptr;
 }
 
+SoVantleTreeView* SoVantleMainFrame::getTreeview() const { return m_treeview; }
+
+QMenu* SoVantleMainFrame::getTreeviewContextMenu() const {
+  return m_treeview ? m_treeview->getContextMenu() : nullptr;
+}
+
+QComboBox* SoVantleMainFrame::getFindComboBox() const { return m_findBox; }
 void SoVantleMainFrame::addMenu(QMenu* menu) { menuBar()->addMenu(menu); }
 void SoVantleMainFrame::removeMenu(QMenu* menu) { menuBar()->removeAction(menu->menuAction()); }
 

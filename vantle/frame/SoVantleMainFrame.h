@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <array>
 #include <memory>
 
 class QAction;
 class QComboBox;
 class SbString;
+class SoFindBox;
 class SoNode;
 class SoVantleTreeView;
 class SoWWWInline;
@@ -38,8 +40,12 @@ class SoVantleMainFrame : public QMainWindow {
   QToolBar* getFileToolbar() const { return m_fileToolbar; }
   QToolBar* getFilterToolbar() const { return m_filterToolbar; }
   QToolBar* getSearchToolbar() const { return m_searchToolbar; }
-  QComboBox* getFindComboBox() const { return m_findComboBox; }
-  SoVantleTreeView* getTreeview() const { return m_treeview; }
+  QComboBox* getFindComboBox() const;
+  /// The same box.
+  SoFindBox* getFindBox() const { return m_findBox; }
+  /// Null before and after the viewer's life, like its menu.
+  SoVantleTreeView* getTreeview() const;
+  QMenu* getTreeviewContextMenu() const;
   /// Root of the inspected scene.
   virtual SoNode* getVantleSceneGraph() const;
 
@@ -94,12 +100,12 @@ class SoVantleMainFrame : public QMainWindow {
   static void WWWInlineFetchURLCB(SbString const& url, void* frame, SoWWWInline* node);
 
   QMenu* m_recentFilesMenu = nullptr;
-  QComboBox* m_findComboBox = nullptr;
+  SoFindBox* m_findBox = nullptr;
   QMenu *m_bookmarkMenu = nullptr, *m_editMenu = nullptr, *m_fileMenu = nullptr, *m_filterMenu = nullptr,
         *m_helpMenu = nullptr, *m_treeviewMenu = nullptr, *m_viewMenu = nullptr;
   QToolBar *m_bookmarkToolbar = nullptr, *m_editToolbar = nullptr, *m_fileToolbar = nullptr,
            *m_filterToolbar = nullptr, *m_searchToolbar = nullptr;
-  SoVantleTreeView* m_treeview = nullptr;
+  QPointer<SoVantleTreeView> m_treeview; // the viewer's
   std::unique_ptr<QWindow> m_hostWindow; // stands for the host's, which stays the host's
   unsigned m_filterMask = ALL_CATEGORIES;
   bool m_defaultLayout = false;

@@ -1,12 +1,12 @@
 // Actions, menus, tool bars and what they are connected to.
 
 #include <QAction>
-#include <QComboBox>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QToolBar>
 
 #include "vantle/frame/SoCommandManager.h"
+#include "vantle/frame/SoFindBox.h"
 #include "vantle/frame/SoVantleMainFrame.h"
 #include "vantle/inspect/SoVantleEdition.h"
 #include "vantle/prefs/SoVantleStateManager.h"
@@ -163,12 +163,9 @@ void SoVantleMainFrame::setupToolBars() {
 
   addToolBarBreak(); // in one row the last ones would hide their buttons on most screens
   m_searchToolbar = makeBar(tr("Search Tool Bar"), "searchToolBar");
-  m_findComboBox = new QComboBox(m_searchToolbar);
-  m_findComboBox->setEditable(true);
-  m_findComboBox->setMinimumWidth(150);
-  m_findComboBox->setDuplicatesEnabled(false);
+  m_findBox = new SoFindBox(VntServicesImpl::getImplInstance()->getCommandManager(), m_searchToolbar);
   m_searchToolbar->addAction(m_findAction);
-  m_searchToolbar->addWidget(m_findComboBox);
+  m_searchToolbar->addWidget(m_findBox);
   fill(m_searchToolbar, {m_findPreviousAction, m_findNextAction});
 
   m_bookmarkToolbar = makeBar(tr("Bookmark Tool Bar"), "bookmarkToolBar");
@@ -216,7 +213,7 @@ void SoVantleMainFrame::setupConnections() {
   connect(m_customFilterAction, &QAction::toggled, this, &SoVantleMainFrame::on_customFilterAction_toggled);
   to(m_contentsAction, &Manager::launchVantleHelpViewer);
   to(m_aboutAction, &Manager::launchAboutVantleFrame);
-  connect(m_findComboBox->lineEdit(), &QLineEdit::returnPressed, commands, &Manager::find);
+  connect(m_findBox->lineEdit(), &QLineEdit::returnPressed, commands, &Manager::find);
 }
 
 void SoVantleMainFrame::setDefaultState() {

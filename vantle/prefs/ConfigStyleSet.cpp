@@ -19,17 +19,21 @@ void SoSaveStyles(QMap<QString, ConfigStyle> const& styles, QStringList const& n
   }
 }
 
+bool SoIsStyleStored(QString const& name, QString const& group) {
+  QString const key = group + QLatin1Char('/') + name;
+  for (char const* entry :
+       {"/family", "/size", "/bold", "/italic", "/underline", "/red", "/green", "/blue", "/show"}) {
+    bool found = false;
+    SoVantleConfig::readEntry(key + QLatin1String(entry), QString(), &found);
+    if (found) return true;
+  }
+  return false;
+}
+
 QMap<QString, ConfigStyle> SoReadStyles(QMap<QString, ConfigStyle> styles, QString const& group) {
   for (auto it = styles.begin(); it != styles.end(); ++it) {
+    if (!SoIsStyleStored(it.key(), group)) continue;
     QString const key = group + QLatin1Char('/') + it.key();
-    bool stored = false;
-    for (char const* entry :
-         {"/family", "/size", "/bold", "/italic", "/underline", "/red", "/green", "/blue", "/show"}) {
-      bool found = false;
-      SoVantleConfig::readEntry(key + QLatin1String(entry), QString(), &found);
-      stored |= found;
-    }
-    if (!stored) continue;
     ConfigStyle& style = *it;
     style.font = QFont(SoVantleConfig::readEntry(key + QStringLiteral("/family"), style.font.family()));
     style.font.setPointSize(SoVantleConfig::readNumEntry(key + QStringLiteral("/size"), 10));

@@ -42,13 +42,25 @@ void SoTreeViewState::activate() {
         frame->m_previousReferenceAction, frame->m_ignoreEnableAction, frame->m_deleteAction}) {
     action->setEnabled(false);
   }
-  updateItemTreeViewAction(m_view->currentItem(), nullptr);
+  // What these do to the current row changes what can be done to it next.
+  for (QAction* action :
+       {frame->m_showAllReferencesAction, frame->m_hideAllReferencesAction, frame->m_ignoreEnableAction}) {
+    connect(action, &QAction::triggered, this, &SoTreeViewState::updateActions, Qt::UniqueConnection);
+  }
+  updateActions();
 }
+
+void SoTreeViewState::updateActions() { updateItemTreeViewAction(m_view->currentItem(), nullptr); }
 
 void SoTreeViewState::desactivate() {
   disconnect(m_view, &QTreeWidget::currentItemChanged, this, &SoTreeViewState::updateItemTreeViewAction);
-  if (mainFrame() && commandManager())
-    disconnect(mainFrame()->m_deleteAction, &QAction::triggered, commandManager(), nullptr);
+  SoVantleMainFrame* const frame = mainFrame();
+  if (!frame) return;
+  for (QAction* action :
+       {frame->m_showAllReferencesAction, frame->m_hideAllReferencesAction, frame->m_ignoreEnableAction}) {
+    disconnect(action, &QAction::triggered, this, nullptr);
+  }
+  if (commandManager()) disconnect(frame->m_deleteAction, &QAction::triggered, commandManager(), nullptr);
 }
 
 void SoTreeViewState::updateItemTreeViewAction(QTreeWidgetItem* current, QTreeWidgetItem*) {
@@ -92,5 +104,5 @@ void SoTreeViewState::createContextPopupMenu(QContextMenuEvent* event) {
   } else if (item && !part) {
     menu->addAction(frame->m_ignoreEnableAction);
   }
-  menu->exec(QCursor::pos());
+  if (!menu->isEmpty()) menu->exec(QCursor::pos());
 }

@@ -18,6 +18,8 @@ class SoTreeViewState : public SoVantleState {
 
  public Q_SLOTS:
   void updateItemTreeViewAction(QTreeWidgetItem* current, QTreeWidgetItem* previous);
+  /// The current row is another than it was.
+  void updateActions();
 
  private:
   SoVantleTreeView* m_view;

@@ -18,6 +18,14 @@ void TreeViewConfig::setRealNodekitsCounter(bool on, QString const& group) {
   SoVantleConfig::writeEntry(group + QStringLiteral("/RealNodekitsCounter"), on);
 }
 
+int TreeViewConfig::maximumRows(QString const& group) {
+  int const rows = SoVantleConfig::readNumEntry(group + QStringLiteral("/MaximumRows"), DEFAULT_MAXIMUM_ROWS);
+  return rows < LEAST_MAXIMUM_ROWS || rows > MOST_MAXIMUM_ROWS ? DEFAULT_MAXIMUM_ROWS : rows;
+}
+void TreeViewConfig::setMaximumRows(int rows, QString const& group) {
+  SoVantleConfig::writeEntry(group + QStringLiteral("/MaximumRows"), rows);
+}
+
 bool TreeViewConfig::isDoubleBuffering(QString const&) { return true; }
 void TreeViewConfig::setDoubleBuffering(bool, QString const&) {}
 int TreeViewConfig::refreshingTime(QString const&) { return 100; }

@@ -131,8 +131,9 @@ void VntShellImpl::registerContextualMenu(SoType const& type, bool exactTypeOnly
 void VntShellImpl::unregisterContextualMenu(QMenu* menu) {
   m_ledger.leave(VntShellLedger::CONTEXT_MENU, menu);
   auto const isThis = [menu](auto const& entry) { return entry.second == menu; };
-  std::erase_if(m_derivedMenus, isThis);
-  std::erase_if(m_exactMenus, isThis);
+  if (std::erase_if(m_derivedMenus, isThis) + std::erase_if(m_exactMenus, isThis) == 0) return;
+  // It may be open in the tree's menu.
+  if (QMenu* const shown = m_mainFrame->getTreeviewContextMenu()) shown->removeAction(menu->menuAction());
 }
 
 void VntShellImpl::registerMenu(QMenu* menu) {

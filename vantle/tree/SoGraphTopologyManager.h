@@ -2,9 +2,10 @@
 
 #include <QObject>
 #include <QTimer>
-#include <memory>
+#include <cstdint>
 
 #include "kestrava/sensors/SoNodeSensor.h"
+#include "vantle/tree/SoIgnoredNodes.h"
 
 class SoField;
 class SoNode;
@@ -39,17 +40,25 @@ class SoGraphTopologyManager : public QObject {
   void groupRemoveAllChildren(SoNode* group, SoPath* path);
 
   static void graphTopologyChangedCB(void* manager, SoSensor* sensor);
+  /// Brings the rows below all rows of a node in line with the graph.
+  void redrawItemChildrens(SoNode* node);
+  SoIgnoredNodes& ignoredNodes() { return m_ignored; }
 
  public Q_SLOTS:
   void updateTreeViewDisplay();
 
  private:
+  bool isScene(SoNode* node) const;
+  void showScene(SoNode* scene);
   void replaceChild(SoNode* group, SoNode* child, SoPath* path);
   void unspecified(SoNode* node, SoField* field, SoPath* path);
   bool insertMissing(SoNode* group, SoPath* path);
   void setItemsToTree(SoNode* parent, SoNode* child, int index);
   void takeItemsFromTree(SoNode* parent, int index);
-  void redrawItemChildrens(SoNode* node);
+  static void nodeIsDestroyed(void* manager, SoNode const* node);
+  void redrawAllBelow(SoNode* node);
+  template <typename Change>
+  bool forRowsOf(SoNode* node, Change change);
   void refresh(SoPath* path);
 
   QTimer* m_timer; // child of this
@@ -57,4 +66,7 @@ class SoGraphTopologyManager : public QObject {
   SoVantleTreeView* m_view;
   SoReferencedNodeManager* m_references;
   int m_interval = 0;
+  unsigned m_changes = 0;
+  std::uint64_t m_silentChanges = 0; // those that the rows are known to show
+  SoIgnoredNodes m_ignored;
 };

@@ -20,6 +20,7 @@ class SoNodeRowIndex {
   /// All rows of a node, in no order.
   std::vector<SoTreeViewItem*> rows(SoNode const* node) const;
   int rowCount() const { return m_rowCount; }
+  int nodeCount() const { return static_cast<int>(m_nodes); }
 
  private:
   std::size_t slotOf(SoNode const* node) const;

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_set>
 
 #include "kestrava/actions/SoSearchAction.h"
+#include "kestrava/fields/SoSFNode.h"
 #include "kestrava/kits/SoBaseKit.h"
+#include "kestrava/kits/SoNodeKitListPart.h"
+#include "kestrava/kits/SoNodeKitListPart.h"
+#include "kestrava/kits/SoNodekitCatalog.h"
 #include "vantle/tree/SoSortedItemList.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
@@ -28,14 +33,19 @@ bool SoReferencedNodeManager::belongsInNodeMap(SoTreeViewItem const* item) {
 }
 
 void SoReferencedNodeManager::addItem(SoTreeViewItem* item) {
-  if (!item || !item->getNode()) return;
+  if (!item || !item->getNode() || m_index.contains(item)) return;
   m_index.add(item);
-  if (belongsInNodeMap(item)) {
-    QString const key = keyOf(item->getNode());
-    SoSortedItemList* list = m_nodeMap.value(key);
-    if (!list) m_nodeMap.insert(key, list = new SoSortedItemList);
-    list->addRef(item);
-  }
+  // A node whose references are shown shows further ones, too.
+  if (!m_referenced.isEmpty() && m_referenced.contains(keyOf(item->getNode()))) item->m_showRef = true;
+  addToNodeMap(item);
+}
+
+void SoReferencedNodeManager::addToNodeMap(SoTreeViewItem* item) {
+  if (!belongsInNodeMap(item)) return;
+  QString const key = keyOf(item->getNode());
+  SoSortedItemList* list = m_nodeMap.value(key);
+  if (!list) m_nodeMap.insert(key, list = new SoSortedItemList);
+  list->addNew(item);
 }
 
 void SoReferencedNodeManager::removeItem(SoTreeViewItem* item) {
@@ -57,9 +67,18 @@ void SoReferencedNodeManager::removeSubTreeFromMap(SoTreeViewItem* item) {
 
 void SoReferencedNodeManager::removeSingleItem(SoTreeViewItem* item) {
   m_index.remove(item);
+  ++m_removals;
+  m_view->rowGoes(item);
   if (!m_referenced.isEmpty()) {
-    if (QList<SoTreeViewItem*>* list = getAllReferencedItems(item)) list->removeOne(item);
+    QList<SoTreeViewItem*>* const list = m_referenced.value(keyOf(item->getNode()));
+    if (list) list->removeOne(item);
+    // The next node at this address is another one.
+    if (list && !m_index.find(item->getNode())) removeReferencedList(item);
   }
+  removeFromNodeMap(item);
+}
+
+void SoReferencedNodeManager::removeFromNodeMap(SoTreeViewItem* item) {
   if (m_nodeMap.isEmpty() || !belongsInNodeMap(item)) return;
   QString const key = keyOf(item->getNode());
   SoSortedItemList* const list = m_nodeMap.value(key);
@@ -70,11 +89,42 @@ void SoReferencedNodeManager::removeSingleItem(SoTreeViewItem* item) {
   delete list;
 }
 
+void SoReferencedNodeManager::renameParts(SoBaseKit* kit) {
+  std::unordered_set<SoNode const*> parts;
+  SoNodekitCatalog const& catalog = kit->getNodekitCatalog();
+  for (int i = 1; i < catalog.getNumEntries(); ++i) {
+    auto const* part = static_cast<SoSFNode const*>(kit->getField(catalog.getName(i)));
+    if (part && part->getValue()) parts.insert(part->getValue());
+  }
+  for (SoTreeViewItem* top : rowsOf(kit)) {
+    std::vector<SoTreeViewItem*> below{top};
+    while (!below.empty()) {
+      SoTreeViewItem* const row = below.back();
+      below.pop_back();
+      for (int i = row->childCount(); i-- > 0;) {
+        SoTreeViewItem* const child = row->rawChild(i);
+        // Further kits name what is below them.
+        if (child->getBaseKit() != kit) continue;
+        below.push_back(child);
+        SbName name;
+        bool const isField = child->getFieldParent() && child->getFieldParent()->getContainer() == kit;
+        bool const isEntry =
+            row->parent() && row->parent()->getNode()->isOfType(SoNodeKitListPart::getClassTypeId());
+        bool const concerned =
+            !isField && (isEntry || child->baseKitPart() || parts.contains(child->getNode()));
+        if (!concerned || child->hasPartNameOf(name)) continue;
+        removeFromNodeMap(child);
+        *child->kitItem() = SoTreeViewItemPrivate::SoBaseKitItemPrivate(kit, name);
+        addToNodeMap(child);
+      }
+    }
+  }
+}
+
 void SoReferencedNodeManager::setReferencedList(SoTreeViewItem* item) {
-  if (!item || item->getRefCount() < 2 || getAllReferencedItems(item)) return;
-  auto* const list = new QList<SoTreeViewItem*>;
-  getAllItems(item->getNode(), *list);
-  m_referenced.insert(keyOf(item->getNode()), list);
+  if (!item || item->getRefCount() < 2) return;
+  QString const key = keyOf(item->getNode());
+  if (!m_referenced.contains(key)) m_referenced.insert(key, new QList<SoTreeViewItem*>);
 }
 
 void SoReferencedNodeManager::removeReferencedList(SoTreeViewItem* item) {
@@ -82,7 +132,12 @@ void SoReferencedNodeManager::removeReferencedList(SoTreeViewItem* item) {
 }
 
 QList<SoTreeViewItem*>* SoReferencedNodeManager::getAllReferencedItems(SoTreeViewItem* item) const {
-  return item ? m_referenced.value(keyOf(item->getNode())) : nullptr;
+  QList<SoTreeViewItem*>* const list = item ? m_referenced.value(keyOf(item->getNode())) : nullptr;
+  if (!list) return nullptr;
+  // Rows come, go and change places while the references are shown.
+  list->clear();
+  getAllItems(item->getNode(), *list);
+  return list;
 }
 
 SoTreeViewItem* SoReferencedNodeManager::step(SoTreeViewItem* item, int direction) const {
@@ -94,7 +149,8 @@ SoTreeViewItem* SoReferencedNodeManager::step(SoTreeViewItem* item, int directio
   for (qsizetype tries = 0; tries < count; ++tries) {
     at = (at + direction + count) % count;
     SoTreeViewItem* const found = list->at(at);
-    if (found->listView() && found->isInSceneGraph()) return found;
+    // What stands below an ignored row is disabled.
+    if (found->listView() && found->isInSceneGraph() && (found->flags() & Qt::ItemIsEnabled)) return found;
   }
   return nullptr;
 }
@@ -180,10 +236,12 @@ int SoReferencedNodeManager::nodeMapCount(SoNode const* node) const {
 }
 
 void SoReferencedNodeManager::clearNodeMap() {
+  ++m_removals;
   qDeleteAll(m_nodeMap);
   m_nodeMap.clear();
   // The lists for walking would keep rows that go now.
-  for (QList<SoTreeViewItem*>* list : std::as_const(m_referenced)) list->clear();
+  qDeleteAll(m_referenced);
+  m_referenced.clear();
   m_index.clear();
 }
 

@@ -8,6 +8,7 @@
 
 #include "vantle/tree/SoNodeRowIndex.h"
 
+class SoBaseKit;
 class SoNode;
 class SoSearchAction;
 class SoSortedItemList;
@@ -28,10 +29,14 @@ class SoReferencedNodeManager {
   /// Forgets a row and every row below it, those first.
   void removeItem(SoTreeViewItem* item);
 
+  /// The parts of a kit are others now: gives the rows of its parts, and those that were, their part names.
+  void renameParts(SoBaseKit* kit);
+
   /// Collects the rows of the item's node for walking; nothing for a node that is referenced once.
   void setReferencedList(SoTreeViewItem* item);
   void removeReferencedList(SoTreeViewItem* item);
-  /// Null when there is none; the manager's.
+  /// The rows of the item's node as they are now, in row order; null when they were not collected. The
+  /// manager's, until the next call.
   QList<SoTreeViewItem*>* getAllReferencedItems(SoTreeViewItem* item) const;
   /// The next (previous) row of the node that is in view and scene, around the end; null without a list.
   SoTreeViewItem* getNextRefItem(SoTreeViewItem* item) const;
@@ -58,6 +63,11 @@ class SoReferencedNodeManager {
   /// All rows of a node, in no order.
   std::vector<SoTreeViewItem*> rowsOf(SoNode const* node) const { return m_index.rows(node); }
   int rowCount() const { return m_index.rowCount(); }
+  /// Different nodes that have rows.
+  int nodeCount() const { return m_index.nodeCount(); }
+
+  /// Grows with every row that goes: a pointer to a row is good as long as it stays the same.
+  unsigned removals() const { return m_removals; }
 
   /// Rows of the node map; 0 for a node that is not in it.
   int nodeMapCount(SoNode const* node) const;
@@ -68,6 +78,8 @@ class SoReferencedNodeManager {
  private:
   static bool belongsInNodeMap(SoTreeViewItem const* item);
   void removeSingleItem(SoTreeViewItem* item);
+  void addToNodeMap(SoTreeViewItem* item);
+  void removeFromNodeMap(SoTreeViewItem* item);
   void removeSubTreeFromMap(SoTreeViewItem* item);
   SoTreeViewItem* step(SoTreeViewItem* item, int direction) const;
 
@@ -77,4 +89,5 @@ class SoReferencedNodeManager {
   std::unique_ptr<SoSearchAction> m_search;
   SoVantleTreeView* m_view;
   SoNodeRowIndex m_index;
+  unsigned m_removals = 0;
 };

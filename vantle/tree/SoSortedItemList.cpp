@@ -9,6 +9,11 @@ bool SoSortedItemListElement::operator<(SoSortedItemListElement const& other) co
 }
 
 void SoSortedItemList::addRef(SoTreeViewItem* row) {
+  addNew(row);
+  m_mayRepeat = !m_sorted;
+}
+
+void SoSortedItemList::addNew(SoTreeViewItem* row) {
   m_elements.push_back({row});
   m_sorted = m_elements.size() == 1;
 }
@@ -19,7 +24,7 @@ void SoSortedItemList::removeRef(SoTreeViewItem* row) {
   auto const last = std::find(m_elements.rbegin(), m_elements.rend(), element);
   if (last == m_elements.rend()) return;
   m_elements.erase(std::next(last).base());
-  if (!m_sorted) std::erase(m_elements, element);
+  if (m_mayRepeat) std::erase(m_elements, element);
 }
 
 void SoSortedItemList::sortList() {
@@ -30,6 +35,7 @@ void SoSortedItemList::sortList() {
             [](auto const& a, auto const& b) { return SoTreeViewItem::isAbove(a.row, b.row); });
   m_elements.erase(std::unique(m_elements.begin(), m_elements.end()), m_elements.end());
   m_sorted = true;
+  m_mayRepeat = false;
 }
 
 void SoSortedItemList::toList(QList<SoTreeViewItem*>& list) {

@@ -17,6 +17,8 @@ struct SoSortedItemListElement {
 class SoSortedItemList {
  public:
   void addRef(SoTreeViewItem* row);
+  /// The same for a row that is not in the list.
+  void addNew(SoTreeViewItem* row);
   void removeRef(SoTreeViewItem* row);
   void sortList();
   /// In row order, each row once.
@@ -27,4 +29,5 @@ class SoSortedItemList {
  private:
   std::vector<SoSortedItemListElement> m_elements;
   bool m_sorted = true;
+  bool m_mayRepeat = false;
 };

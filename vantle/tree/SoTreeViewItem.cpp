@@ -10,6 +10,7 @@
 #include "kestrava/kits/SoNodeKitListPart.h"
 #include "kestrava/kits/SoNodekitCatalog.h"
 #include "kestrava/nodes/SoFile.h"
+#include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoWWWInline.h"
 #include "vantle/frame/SoCommandManager.h"
 #include "vnt/QtText.h"
@@ -66,7 +67,8 @@ SoTreeViewItem::SoTreeViewItem(SoTreeViewItem* parent, SoTreeViewItem* after, So
   construct(kit, parent);
 }
 
-SoTreeViewItem::SoTreeViewItem(SoNode* node, SoField* field, SoTreeViewItem const* above, int sceneIndex)
+SoTreeViewItem::SoTreeViewItem(SoNode* node, SoField* field, SoTreeViewItem const* above, int sceneIndex,
+                               SoTreeViewItem const* aboveThat)
     : QTreeWidgetItem(TYPE),
       m_sceneIndex(sceneIndex),
       m_fromSubTreeField(field || (above && above->m_fromSubTreeField)),
@@ -75,7 +77,7 @@ SoTreeViewItem::SoTreeViewItem(SoNode* node, SoField* field, SoTreeViewItem cons
   SoBaseKit* const kit = above ? above->kitBelow() : nullptr;
   if (!kit) return;
   m_private = std::make_unique<SoTreeViewItemPrivate>();
-  m_private->kitItem = std::make_unique<KitItem>(kit, above->partNameBelow(kit, node, field, sceneIndex));
+  m_private->kitItem = std::make_unique<KitItem>(kit, above->partNameBelow(kit, node, field, sceneIndex, aboveThat));
 }
 
 SoBaseKit* SoTreeViewItem::kitBelow() const {
@@ -84,20 +86,28 @@ SoBaseKit* SoTreeViewItem::kitBelow() const {
 
 /// What the kit answers for the part string of a node below this row. Found from the row's place: the kit
 /// itself would look through all entries of all its lists for every row.
-SbName SoTreeViewItem::partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex) const {
+SbName SoTreeViewItem::partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex,
+                                     SoTreeViewItem const* list) const {
   SoNodekitCatalog const& catalog = kit->getNodekitCatalog();
   if (field && field->getContainer() == kit) {
     return catalog.getPartNumber(field->getName()) > 0 ? field->getName() : SbName();
   }
-  SoTreeViewItem const* const list = parent();
-  bool const inList = m_field && list && list->baseKitPart() && m_field->getContainer() == list->m_node &&
-                      list->m_node->isOfType(SoNodeKitListPart::getClassTypeId());
+  // A list that stands somewhere below is one like any other node.
+  bool const inList = list && list->baseKitPart() && list->kitItem()->listEntry < 0 &&
+                      list->m_node->isOfType(SoNodeKitListPart::getClassTypeId()) &&
+                      (!m_field || m_field->getContainer() == list->m_node);
   if (inList) return SbName(SbString::format("%s[%d]", list->partName().c_str(), sceneIndex));
   for (int i = 1; i < catalog.getNumEntries(); ++i) {
     auto const* part = static_cast<SoSFNode const*>(kit->getField(catalog.getName(i)));
     if (part && part->getValue() == node) return catalog.getName(i);
   }
   return SbName();
+}
+
+/// The name that a row further down in its kit has because its node is a part of that, too.
+bool SoTreeViewItem::hasPartNameOf(SbName& name) const {
+  name = parent()->partNameBelow(kitItem()->baseKit, m_node, m_field, getSceneIndex(), parent()->parent());
+  return name == partName();
 }
 
 void SoTreeViewItem::construct(SoBaseKit* kit, SoTreeViewItem const* parentRow) {
@@ -131,6 +141,7 @@ SoTreeViewItem::~SoTreeViewItem() {
 void SoTreeViewItem::leaveView() {
   QTreeWidget* const view = treeWidget();
   if (!view) return;
+  SoVantleTreeView::NoScroll const still(view);
   if (SoVantleTreeView* tree = sceneTree(view)) tree->getReferencedNodeManager()->removeItem(this);
   if (SoTreeViewItem* above = parent()) {
     int const at = row();
@@ -159,7 +170,7 @@ QVariant SoTreeViewItem::data(int column, int role) const {
     case Qt::DisplayRole:
       if (column == SoVantleTreeView::TYPE_COLUMN) return toQString(m_node->getTypeId().getName().toString());
       if (column == SoVantleTreeView::NAME_COLUMN) return toQString(getNodeName().toString());
-      if (column == SoVantleTreeView::REF_COUNT_COLUMN) return QString::number(getRefCount());
+      if (column == SoVantleTreeView::REF_COUNT_COLUMN) return QString::number(shownRefCount());
       break;
     case Qt::DecorationRole:
       if (column == SoVantleTreeView::TYPE_COLUMN) {
@@ -168,7 +179,7 @@ QVariant SoTreeViewItem::data(int column, int role) const {
       }
       if (column == SoVantleTreeView::REFERENCE_COLUMN) {
         static QIcon const& arrow = *new QIcon(QPixmap(QStringLiteral(":/Vantle_images/ArrowShort.png")));
-        return m_showRef ? arrow : QIcon();
+        return showRefImage() ? arrow : QIcon();
       }
       if (column == SoVantleTreeView::BOOKMARK_COLUMN) {
         static QIcon const& bookmark = *new QIcon(QStringLiteral(":/Vantle_icons/Icons/bookmark.png"));
@@ -176,17 +187,13 @@ QVariant SoTreeViewItem::data(int column, int role) const {
       }
       break;
     case Qt::ForegroundRole:
-      if (column == SoVantleTreeView::TYPE_COLUMN) return QColor(m_ignored ? Qt::darkGray : Qt::black);
-      if (column == SoVantleTreeView::NAME_COLUMN) return QColor(0, 128, 0);
-      if (column == SoVantleTreeView::REF_COUNT_COLUMN) return QColor(Qt::blue);
-      return QColor(Qt::black);
-    case Qt::FontRole:
-      if (SoVantleTreeView const* view = listView()) {
-        bool const special =
-            view->isFieldNodeFontOn() && !baseKitPart() && (fromBaseKit() ? fromField() : fromSubTreeField());
-        return special ? view->fieldNodeFont() : view->normalFont();
-      }
+      if (SoVantleTreeView const* view = listView()) return view->textColor(*this, column);
       break;
+    case Qt::FontRole:
+      if (SoVantleTreeView const* view = listView()) return view->textFont(*this, column);
+      break;
+    case Qt::ToolTipRole:
+      return SoVantleTreeView::toolTipText(this);
     case Qt::UserRole:
       if (column == 0) return getSceneIndex();
       break;
@@ -205,6 +212,14 @@ void SoTreeViewItem::setData(int column, int role, QVariant const& value) {
 }
 
 int SoTreeViewItem::getRefCount() const { return m_node->getRefCount(); }
+
+/// Entries of a list are no values of the kit's fields, so the kit does not hold them twice.
+int SoTreeViewItem::shownRefCount() const {
+  int const count = getRefCount();
+  bool const isHeldTwice = count > 1 && baseKitPart() && kitItem()->listEntry < 0;
+  SoVantleTreeView const* const view = isHeldTwice ? listView() : nullptr;
+  return view && view->countsKitReferencesOnce() ? count - 1 : count;
+}
 
 SbName SoTreeViewItem::getNodeName() const { return baseKitPart() ? partName() : m_node->getName(); }
 

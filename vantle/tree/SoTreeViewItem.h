@@ -79,7 +79,7 @@ class SoTreeViewItem : public QTreeWidgetItem {
   bool fromField() const { return m_field; }
   /// This row or one above it is a value of a field.
   bool fromSubTreeField() const { return m_fromSubTreeField; }
-  bool showRefImage() const { return m_showRef; }
+  bool showRefImage() const { return m_showRef && getRefCount() >= 2; }
   SoVantleTreeView* listView() const;
   SoTreeViewItem* parent() const { return static_cast<SoTreeViewItem*>(QTreeWidgetItem::parent()); }
 
@@ -121,6 +121,8 @@ class SoTreeViewItem : public QTreeWidgetItem {
   void setIgnoreFlag(bool on);
   bool isInSceneGraph() const { return m_inSceneGraph; }
   void setIsInSceneGraph(bool on);
+  /// Its children have no rows yet: they come when the row is opened.
+  bool isUnbuilt() const { return m_unbuilt; }
   bool isBookmarked() const { return m_bookmarked; }
   void setBookmarked(bool on);
   /// A row without the flag is passed over when it becomes current.
@@ -136,16 +138,21 @@ class SoTreeViewItem : public QTreeWidgetItem {
 
  private:
   friend class SoNodeRowIndex;
+  friend class SoReferencedNodeManager;
   friend class SoVantleTreeView;
   using KitItem = SoTreeViewItemPrivate::SoBaseKitItemPrivate;
 
-  /// A row outside of any view, which is to come below a row.
-  SoTreeViewItem(SoNode* node, SoField* field, SoTreeViewItem const* above, int sceneIndex);
+  /// A row outside of any view, which is to come below a row, which stands, or is to stand, below another.
+  SoTreeViewItem(SoNode* node, SoField* field, SoTreeViewItem const* above, int sceneIndex,
+                 SoTreeViewItem const* aboveThat);
   /// The kit that rows below this one belong to, null when there is none.
   SoBaseKit* kitBelow() const;
-  SbName partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex) const;
+  SbName partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex,
+                       SoTreeViewItem const* list) const;
+  bool hasPartNameOf(SbName& name) const;
   void construct(SoBaseKit* kit, SoTreeViewItem const* parentRow);
   KitItem* kitItem() const { return m_private ? m_private->kitItem.get() : nullptr; }
+  int shownRefCount() const;
   void numberChildren() const;
   void leaveView();
   void destroyChildren();
@@ -161,6 +168,7 @@ class SoTreeViewItem : public QTreeWidgetItem {
   bool m_filtered : 1 = false;          // the filter wants it hidden
   bool m_hidden : 1 = false;            // the filter has hidden it in the view
   bool m_hasRowsOutOfScene : 1 = false; // some child is not in the scene graph
+  bool m_unbuilt : 1 = false;
   SoNode* m_node;
   SoField* m_field;
   std::unique_ptr<SoTreeViewItemPrivate> m_private; // only below a kit

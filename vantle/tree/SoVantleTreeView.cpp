@@ -1,17 +1,20 @@
 #include "vantle/tree/SoVantleTreeView.h"
 
 #include <QHeaderView>
-#include <QMenu>
+#include <QScrollBar>
+#include <QShortcut>
 
 #include "kestrava/base/SoPath.h"
 #include "kestrava/nodes/SoSelection.h"
 #include "vantle/frame/SoCommandManager.h"
+#include "vantle/prefs/SoTreeViewPreferencesPage.h"
 #include "vantle/prefs/SoTreeViewState.h"
 #include "vantle/prefs/SoVantleStateManager.h"
-#include "vantle/prefs/TreeViewConfig.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoGraphTopologyManager.h"
+#include "vantle/tree/SoPickMenu.h"
 #include "vantle/tree/SoReferencedNodeManager.h"
+#include "vantle/tree/SoTreeContextMenu.h"
 #include "vantle/tree/SoTreeViewItem.h"
 
 namespace {
@@ -69,14 +72,19 @@ SoVantleTreeView::SoVantleTreeView(QWidget* parent, char const* name)
 
   connect(this, &QTreeWidget::currentItemChanged, this, &SoVantleTreeView::selectChange);
   connect(this, &QTreeWidget::itemClicked, this, &SoVantleTreeView::onItemClicked);
-  m_contextMenu = new QMenu(this);
+  m_contextMenu = new SoTreeContextMenu(this);
   setContextMenuPolicy(Qt::CustomContextMenu);
+  header()->setContextMenuPolicy(Qt::PreventContextMenu); // the menu is one of rows
+  setAcceptDrops(true);
   connect(this, &QTreeWidget::customContextMenuRequested, this, &SoVantleTreeView::onCustomContextMenu);
+  connect(this, &QTreeView::expanded, this, &SoVantleTreeView::buildOpened);
   connect(this, &QTreeView::expanded, this, &SoVantleTreeView::applyFilter);
   connect(this, &QTreeWidget::itemExpanded, this, &SoVantleTreeView::resizeAllColumns);
   connect(this, &QTreeWidget::itemCollapsed, this, &SoVantleTreeView::resizeAllColumns);
   // Also when rows go by the base class's clear().
   connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { m_references->clearNodeMap(); });
+  new QShortcut(copyPathKey(), this, this, &SoVantleTreeView::copyPath, Qt::WidgetWithChildrenShortcut);
+  followPalette();
   initTreeViewPreferences();
 }
 
@@ -125,8 +133,10 @@ void SoVantleTreeView::showInOverview(SoTreeViewItem* item) {
 
 void SoVantleTreeView::refreshItem(SoTreeViewItem* item) {
   // Panels follow their nodes themselves; filling them anew would take a value from under the user's hands.
-  // The highlight is a path and has to be made anew.
-  if (item == currentItem() && isAutoHighlight() && (!item->fromSubTreeField() || item->baseKitPart())) {
+  // The highlight is a path and has to be made anew, unless there is none or it is about the entries of a menu.
+  bool const isMarked = getGraphSelection() && getGraphSelection()->getNumSelected() > 0 && !m_pickMenu;
+  if (isMarked && item == currentItem() && isAutoHighlight() &&
+      (!item->fromSubTreeField() || item->baseKitPart())) {
     highlightPath(item);
   }
   viewport()->update();
@@ -185,6 +195,19 @@ void SoVantleTreeView::openAll(std::vector<QModelIndex> const& rows) {
   for (std::size_t i = rows.size(); i-- > 0;) expand(rows[i]);
   m_batch = false;
   resizeAllColumns();
+}
+
+void SoVantleTreeView::scrollContentsBy(int dx, int dy) {
+  QTreeWidget::scrollContentsBy(dx, dy);
+  if (dy != 0) m_topRow = indexAt(QPoint(0, 0)).siblingAtColumn(0);
+}
+
+void SoVantleTreeView::updateGeometries() {
+  QTreeWidget::updateGeometries();
+  QRect const top = m_topRow.isValid() && verticalScrollBar()->value() > 0 ? visualRect(m_topRow) : QRect();
+  // Of the same height as all others.
+  if (!top.isEmpty() && top.top() != 0)
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + top.top() / top.height());
 }
 
 void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModelIndex const& index) const {
@@ -250,24 +273,4 @@ void SoVantleTreeView::removeAllReferences(SoTreeViewItem* item) {
 void SoVantleTreeView::setState() {
   if (!m_state) m_state = std::make_unique<SoTreeViewState>(this);
   SoVantleStateManager::stateRegister(QStringLiteral("TreeViewState"), m_state.get());
-}
-
-void SoVantleTreeView::initTreeViewPreferences() {
-  QString const group = getTreeViewPreferencesPath();
-  QMap<QString, ConfigStyle> const styles = TreeViewConfig::readStyles(group);
-  ConfigStyle const type = styles[QStringLiteral("Node Type")];
-  ConfigStyle const name = styles[QStringLiteral("Node/Part Name")];
-  ConfigStyle const references = styles[QStringLiteral("Reference Count")];
-  ConfigStyle const fieldNode = styles[QStringLiteral("Node From Field")];
-  m_normalFont = type.font;
-  m_fieldNodeFont = fieldNode.font;
-  m_typeColor = type.color;
-  m_nameColor = name.color;
-  m_refCountColor = references.color;
-  m_fieldNodeColor = fieldNode.color;
-  m_showName = name.show;
-  m_showRefCount = references.show;
-  m_showNodeFromField = fieldNode.show;
-  m_topology->setIntervalTimeRefreshing(TreeViewConfig::refreshingTime(group));
-  viewport()->update();
 }

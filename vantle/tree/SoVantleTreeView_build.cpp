@@ -1,6 +1,5 @@
 #include <vector>
 
-#include "kestrava/base/SoError.h"
 #include "kestrava/base/SoPreferences.h"
 #include "kestrava/fields/SoMFNode.h"
 #include "kestrava/fields/SoMFUniformShaderParameter.h"
@@ -12,6 +11,8 @@
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoWWWInline.h"
 #include "vantle/session/VntServicesImpl.h"
+#include "vantle/tree/SoGraphTopologyManager.h"
+#include "vantle/tree/SoIgnoredNodes.h"
 #include "vantle/tree/SoReferencedNodeManager.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
@@ -38,6 +39,7 @@ SoBaseKit* kitOf(SoNode* node) {
 } // namespace
 
 bool SoVantleTreeView::isAutoHighlight() { return autoHighlight; }
+bool SoVantleTreeView::isShowingInternalChildren() { return showInternalChildren; }
 
 void SoVantleTreeView::fieldChildrenOf(SoNode* node, std::vector<ChildNode>& children) {
   SoBaseKit* const kit = kitOf(node);
@@ -84,47 +86,36 @@ void SoVantleTreeView::childrenOf(SoNode* node, std::vector<ChildNode>& children
   for (int i = first; i < list->getLength(); ++i) children.push_back({(*list)[i], nullptr});
 }
 
-void SoVantleTreeView::buildBelow(SoTreeViewItem* top) {
-  std::vector<ChildNode> children;
+/// The rows of a node's children, in order, below a row that has none and stands, or is to stand, below another.
+void SoVantleTreeView::addChildRows(SoTreeViewItem* row, std::vector<ChildNode> const& children,
+                                    SoTreeViewItem const* above) {
   QList<QTreeWidgetItem*> rows;
-  std::vector<SoTreeViewItem*> waiting{top};
-  while (!waiting.empty()) {
-    SoTreeViewItem* const row = waiting.back();
-    waiting.pop_back();
-    children.clear();
-    childrenOf(row->m_node, children);
-    if (children.empty()) continue;
-    if (m_references->rowCount() + static_cast<int>(children.size()) > MAX_ROWS) {
-      if (!std::exchange(m_limitReported, true)) {
-        SoDebugError::post("SoVantleTreeView", "the scene has more than %d places; the rest is not shown",
-                           MAX_ROWS);
-      }
-      return;
-    }
-    rows.clear();
-    rows.reserve(static_cast<qsizetype>(children.size()));
-    for (ChildNode const& child : children) {
-      auto* const added = new SoTreeViewItem(child.node, child.field, row, static_cast<int>(rows.size()));
-      m_references->addItem(added);
-      rows.append(added);
-    }
-    // Still outside of the view: nobody is told of single rows.
-    row->addChildren(rows);
-    for (auto i = rows.size(); i-- > 0;) waiting.push_back(static_cast<SoTreeViewItem*>(rows[i]));
+  rows.reserve(static_cast<qsizetype>(children.size()));
+  for (ChildNode const& child : children) {
+    auto* const added = new SoTreeViewItem(child.node, child.field, row, static_cast<int>(rows.size()), above);
+    m_references->addItem(added);
+    rows.append(added);
   }
+  row->addChildren(rows);
+}
+
+void SoVantleTreeView::buildBelow(SoTreeViewItem* top, SoTreeViewItem const* above) {
+  std::vector<SoTreeViewItem*> waiting{top};
+  buildWaiting(waiting, QDeadlineTimer::Forever, above);
 }
 
 SoTreeViewItem* SoVantleTreeView::makeRows(SoNode* node, SoTreeViewItem* parent, SoField* field,
                                            int sceneIndex) {
-  auto* const row = new SoTreeViewItem(node, field, parent, sceneIndex);
+  auto* const row = new SoTreeViewItem(node, field, parent, sceneIndex, parent ? parent->parent() : nullptr);
   m_references->addItem(row);
-  buildBelow(row);
+  buildBelow(row, parent);
   return row;
 }
 
 SoTreeViewItem* SoVantleTreeView::insertItem(SoNode* node, SoTreeViewItem* parent, SoField* field,
                                              int index) {
   if (!node) return nullptr;
+  if (parent) buildChildren(parent);
   int const count = parent ? parent->childCount() : topLevelItemCount();
   int position = index < 0 ? count : std::min(index, count);
   if (index < 0 && parent) {
@@ -137,13 +128,13 @@ SoTreeViewItem* SoVantleTreeView::insertItem(SoNode* node, SoTreeViewItem* paren
     parent->insertChild(position, row);
     numbered(parent, row, position);
   }
+  if (parent && parent->m_ignored) row->setDisabled(true);
   markFiltered(row);
   return row;
 }
 
 /// Gives a new row its number, or puts the numbering off when rows behind it have to move up.
 void SoVantleTreeView::numbered(SoTreeViewItem* parent, SoTreeViewItem* row, int position) {
-  if (m_loading) return;
   if (position + 1 == parent->childCount() && parent->m_childrenNumbered) {
     row->m_sceneIndex = position;
   } else {
@@ -183,14 +174,24 @@ void SoVantleTreeView::registerRows(SoTreeViewItem* top) {
 }
 
 void SoVantleTreeView::clear() {
+  m_topology->ignoredNodes().rememberPlaces();
   m_references->clearNodeMap();
+  m_unbuilt.clear();
   QTreeWidget::clear();
-  m_limitReported = m_everHidden = false;
+  m_everHidden = false;
+}
+
+/// The manager of references hears of every row that leaves the tree.
+void SoVantleTreeView::rowGoes(SoTreeViewItem* row) {
+  if (row->m_unbuilt) m_unbuilt.erase(row);
+  if (!m_topology->ignoredNodes().isEmpty()) m_topology->ignoredNodes().rememberPlace(row);
 }
 
 /// A run of children, the rows below them included.
 void SoVantleTreeView::deleteRows(SoTreeViewItem* parent, int first, int count) {
   if (count == 0) return;
+  if (!leaveCurrent(parent, first, count)) return;
+  NoScroll const still(this);
   if (count == parent->childCount()) {
     // At once: one message to the view instead of one a row.
     for (int i = 0; i < count; ++i) m_references->removeItem(parent->rawChild(i));
@@ -210,6 +211,7 @@ void SoVantleTreeView::deleteRows(SoTreeViewItem* parent, int first, int count) 
 
 void SoVantleTreeView::rebuildItemChildren(SoTreeViewItem* item) {
   deleteRows(item, 0, item->childCount());
+  setUnbuilt(item, false);
   std::vector<ChildNode> children;
   childrenOf(item->m_node, children);
   QList<QTreeWidgetItem*> rows;
@@ -225,55 +227,21 @@ void SoVantleTreeView::checkNodeFields(SoNode* node, SoTreeViewItem* item) {
   for (ChildNode const& child : children) insertItem(child.node, item, child.field, -1);
 }
 
-bool SoVantleTreeView::updateItemChildren(SoTreeViewItem* item) {
-  std::vector<ChildNode> wanted;
-  childrenOf(item->m_node, wanted);
-  std::vector<SoTreeViewItem*> rows; // those in the scene
-  for (int i = 0, n = item->childCount(); i < n; ++i) {
-    SoTreeViewItem* const row = item->rawChild(i);
-    if (row->m_inSceneGraph && !row->m_ignored) {
-      rows.push_back(row);
-      continue;
-    }
-    // A node that the user has set to ignored keeps this row; when it comes back it gets no second one.
-    auto const same = [row](ChildNode const& child) {
-      return child.node == row->m_node && child.field == row->m_field;
-    };
-    auto const found = std::find_if(wanted.begin(), wanted.end(), same);
-    if (found != wanted.end()) wanted.erase(found);
-  }
-  auto const equal = [](SoTreeViewItem const* row, ChildNode const& child) {
-    return row->m_node == child.node && row->m_field == child.field;
-  };
-  // What is the same at both ends stays.
-  std::size_t head = 0;
-  while (head < rows.size() && head < wanted.size() && equal(rows[head], wanted[head])) ++head;
-  std::size_t oldEnd = rows.size(), newEnd = wanted.size();
-  while (oldEnd > head && newEnd > head && equal(rows[oldEnd - 1], wanted[newEnd - 1])) --oldEnd, --newEnd;
-  if (head == oldEnd && head == newEnd) return false;
-
-  if (head == 0 && newEnd == 0 && rows.size() == static_cast<std::size_t>(item->childCount()) &&
-      wanted.empty()) {
-    deleteRows(item, 0, item->childCount());
-    return true;
-  }
-  for (std::size_t i = oldEnd; i-- > head;) delete rows[i];
-  int position = head > 0 ? rows[head - 1]->row() + 1 : 0;
-  QList<QTreeWidgetItem*> added;
-  for (std::size_t i = head; i < newEnd; ++i) {
-    added.append(makeRows(wanted[i].node, item, wanted[i].field, position + static_cast<int>(i - head)));
-  }
-  item->insertChildren(position, added);
-  item->sceneIndicesChanged();
-  for (QTreeWidgetItem* row : added) markFiltered(static_cast<SoTreeViewItem*>(row));
-  return true;
-}
-
 void SoVantleTreeView::initTree(SoNode* root) {
+  int const build = ++m_builds;
   m_loading = true;
   clear();
+  m_references->reset();
   if (root) {
-    SoTreeViewItem* const row = insertItem(root, nullptr, nullptr, 0);
+    if (m_showsProgress) {
+      buildWithProgress(root);
+    } else {
+      insertItem(root, nullptr, nullptr, 0);
+    }
+    // Events that came in meanwhile may have brought the next scene.
+    if (build != m_builds) return;
+  }
+  if (SoTreeViewItem* const row = firstChild()) {
     showInOverview(row);
     setCurrentItem(row);
     if (VntServicesImpl::isInstance()) VntServicesImpl::getImplInstance()->setSelectedNode(root);

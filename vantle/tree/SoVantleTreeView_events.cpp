@@ -1,8 +1,7 @@
-#include <QCursor>
 #include <QDesktopServices>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QUrl>
 
 #include "kestrava/nodes/SoNode.h"
@@ -21,6 +20,7 @@ namespace {
 
 /// The class pages of the reference manual.
 constexpr char CLASS_PAGES[] = "/refmans/10.3/RefManCpp/class";
+constexpr int MESSAGE_TIME = 10000; // milliseconds; an address wants to be read
 
 SoCommandManager* commandManager() {
   return VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getCommandManager() : nullptr;
@@ -35,34 +35,28 @@ void SoVantleTreeView::onItemClicked(QTreeWidgetItem* clicked, int column) {
   if (column == BOOKMARK_COLUMN && m_lastButton == Qt::LeftButton) item->setBookmarked(!item->isBookmarked());
 }
 
-void SoVantleTreeView::onCustomContextMenu(QPoint const&) {
-  SoTreeViewItem* const item = currentItem();
-  if (!item || !(item->flags() & Qt::ItemIsEnabled)) return;
-  // The menus of plug-ins are about the selected node.
-  VntServices* const services = VntServices::getInstance();
-  if (services && services->getSelectedNode() != item->getNode()) services->setSelectedNode(item->getNode());
-  buildContextMenu(item);
-  if (!m_contextMenu->isEmpty()) m_contextMenu->exec(QCursor::pos());
-}
-
-/// The menus stay those of the plug-ins, which may take them away while this one is open.
-void SoVantleTreeView::buildContextMenu(SoTreeViewItem* item) {
-  m_contextMenu->clear();
-  if (!VntShell::getInstance()) return;
-  for (QMenu* menu : VntShell::getInstance()->getContextualMenus(item->getNode()->getTypeId())) {
-    m_contextMenu->addMenu(menu);
-  }
-}
-
 void SoVantleTreeView::mouseReleaseEvent(QMouseEvent* event) {
   m_lastButton = event->button();
   m_lastReleasePos = event->globalPosition().toPoint();
+  m_drag.row = QModelIndex();
+  m_drag.isArmed = false;
+  bool const wantsMenu = event->button() == Qt::RightButton && std::exchange(m_menuRequested, false);
+  QPoint const pos = event->position().toPoint();
+  QPointer<SoVantleTreeView> const self(this);
   QTreeWidget::mouseReleaseEvent(event);
+  if (self && wantsMenu) Q_EMIT customContextMenuRequested(pos);
 }
 
 void SoVantleTreeView::focusInEvent(QFocusEvent* event) {
   SoVantleStateManager::setCurrentState(QStringLiteral("TreeViewState"));
   QTreeWidget::focusInEvent(event);
+}
+
+// What is released elsewhere is not told here.
+void SoVantleTreeView::focusOutEvent(QFocusEvent* event) {
+  m_pressedKey = 0;
+  if (!m_drag.isRunning) m_spaceHeld = false;
+  QTreeWidget::focusOutEvent(event);
 }
 
 bool SoVantleTreeView::eventFilter(QObject* watched, QEvent* event) {
@@ -74,6 +68,7 @@ bool SoVantleTreeView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void SoVantleTreeView::keyPressEvent(QKeyEvent* event) {
+  m_pressedKey = event->key();
   if (event->key() == Qt::Key_Space) m_spaceHeld = true;
   if (event->key() == Qt::Key_Asterisk) {
     if (SoCommandManager* commands = commandManager()) {
@@ -95,11 +90,17 @@ void SoVantleTreeView::showEvent(QShowEvent* event) {
 }
 
 void SoVantleTreeView::keyReleaseEvent(QKeyEvent* event) {
+  // A key that is held sends releases too.
+  if (event->isAutoRepeat()) return QTreeWidget::keyReleaseEvent(event);
+  // One whose press went elsewhere, perhaps to a shortcut, is not meant for the rows.
+  bool const wasPressed = std::exchange(m_pressedKey, 0) == event->key();
   SoTreeViewItem* const item = currentItem();
   if (event->key() == Qt::Key_Space) m_spaceHeld = false;
-  if (event->key() == Qt::Key_F1 && item) openReferencePage(item);
-  if (event->key() == Qt::Key_Delete && item && commandManager()) commandManager()->treeDeleteNode(item);
-  QTreeWidget::keyReleaseEvent(event);
+  QPointer<SoVantleTreeView> const self(this);
+  if (event->key() == Qt::Key_F1 && wasPressed && item) openReferencePage(item);
+  if (event->key() == Qt::Key_Delete && wasPressed && item && commandManager())
+    commandManager()->treeDeleteNode(item);
+  if (self) QTreeWidget::keyReleaseEvent(event);
 }
 
 QString SoVantleTreeView::referencePageName(QString const& typeName) {
@@ -120,6 +121,8 @@ QString SoVantleTreeView::referencePageName(QString const& typeName) {
 
 void SoVantleTreeView::openReferencePage(SoTreeViewItem* item) {
   QString const page = referencePageName(toQString(item->getNode()->getTypeId().getName().toString()));
-  QDesktopServices::openUrl(
-      QUrl(VantleManual::page(QLatin1String(CLASS_PAGES) + page + QLatin1String(".html"))));
+  QString const address = VantleManual::page(QLatin1String(CLASS_PAGES) + page + QLatin1String(".html"));
+  if (QDesktopServices::openUrl(QUrl(address)) || !VntShell::getInstance()) return;
+  VntShell::getInstance()->showStatusBarMessage(toSbString(tr("No browser could be opened for %1.").arg(address)),
+                                                MESSAGE_TIME);
 }

@@ -1,10 +1,7 @@
-#include "kestrava/actions/SoRayPickAction.h"
-#include "kestrava/base/SbViewportRegion.h"
 #include "kestrava/base/SoPath.h"
 #include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoSelection.h"
 #include "kestrava/nodes/SoWWWInline.h"
-#include "kestrava/render/SoSceneManager.h"
 #include "vantle/prefs/SoVantleStateManager.h"
 #include "vantle/session/VntServicesImpl.h"
 #include "vantle/tree/SoTreeViewItem.h"
@@ -15,13 +12,7 @@
 
 namespace {
 
-constexpr float PICK_RADIUS = 5.0f; // pixels, without services to ask
-
 bool isInline(SoNode const* node) { return node->isOfType(SoWWWInline::getClassTypeId()); }
-
-bool isSelectionAllowed() {
-  return !VntServicesImpl::isInstance() || VntServicesImpl::getImplInstance()->isSelectionAllowed();
-}
 
 } // namespace
 
@@ -44,7 +35,8 @@ SoTreeViewItem* SoVantleTreeView::childRowOf(SoTreeViewItem* row, SoNode* node, 
     // The first child of an inline has no row.
     SoTreeViewItem* const there = row->child(isInline(row->m_node) ? index - 1 : index);
     if (there && there->m_node == node) return there;
-    if (row->m_node->isOfType(SoGroup::getClassTypeId())) return nullptr;
+    // Beside ignored rows the positions may differ.
+    if (row->m_node->isOfType(SoGroup::getClassTypeId()) && !row->m_hasRowsOutOfScene) return nullptr;
   }
   for (int i = 0, n = row->childCount(); i < n; ++i) {
     SoTreeViewItem* const child = row->rawChild(i);
@@ -53,7 +45,20 @@ SoTreeViewItem* SoVantleTreeView::childRowOf(SoTreeViewItem* row, SoNode* node, 
   return nullptr;
 }
 
-SoTreeViewItem* SoVantleTreeView::getItemFromPath(SoPath const* path, int from) const {
+/// Builds what is not built on the way down a path.
+void SoVantleTreeView::buildAlong(SoPath const* path) {
+  if (m_unbuilt.empty()) return;
+  SoNode* missing = nullptr;
+  int index = -1;
+  for (;;) {
+    SoTreeViewItem* const row = getFirstExistingItemFromPath(path, missing, index);
+    if (!row || !missing || !row->m_unbuilt) return;
+    buildChildren(row);
+  }
+}
+
+SoTreeViewItem* SoVantleTreeView::getItemFromPath(SoPath const* path, int from) {
+  buildAlong(path);
   SoNode* missing = nullptr;
   int position = from - 1;
   if (!rowOfRoot(path, position)) return nullptr;
@@ -93,7 +98,7 @@ int SoVantleTreeView::childPosition(SoTreeViewItem* row, SoNode* tail) const {
   int const place = row->getSceneIndex() + (isInline(tail) ? 1 : 0);
   int const count = children->getLength();
   // Beside the expected place while a change is under way and the rows do not agree with the graph.
-  for (int distance = 0; distance < count; ++distance) {
+  for (int distance = 0;; ++distance) {
     for (int i : {place - distance, place + distance}) {
       if (i >= 0 && i < count && (*children)[i] == row->m_node) return i;
     }
@@ -117,20 +122,25 @@ SoPath* SoVantleTreeView::getPathFromItem(SoTreeViewItem* item) const {
 }
 
 void SoVantleTreeView::highlightPath(SoTreeViewItem* item) {
-  SoSelection* const selection = getGraphSelection();
   // The root row is made current by every new scene: nobody wants to see that scene all marked.
-  if (!selection || m_suppressHighlight || m_loading) return;
+  if (m_suppressHighlight || m_loading) return;
   SoPath* const path = getPathFromItem(item);
   if (!path) return;
-  if (isSelectionAllowed()) {
-    // The selection answers with its callback, which is not to look for a row.
-    bool const was = std::exchange(m_inSelectedPath, true);
-    selection->deselectAll();
-    selection->select(path);
-    m_inSelectedPath = was;
-  }
+  markPaths({SoRef<SoPath>(path)});
   path->unref();
   viewport()->update();
+}
+
+void SoVantleTreeView::markPaths(std::vector<SoRef<SoPath>> const& paths) {
+  SoSelection* const selection = getGraphSelection();
+  bool const isAllowed =
+      !VntServicesImpl::isInstance() || VntServicesImpl::getImplInstance()->isSelectionAllowed();
+  if (!selection || m_suppressHighlight || !isAllowed) return;
+  // The selection answers with its callback, which is not to look for a row.
+  bool const was = std::exchange(m_inSelectedPath, true);
+  selection->deselectAll();
+  for (auto const& path : paths) selection->select(path);
+  m_inSelectedPath = was;
 }
 
 void SoVantleTreeView::showSelectedPath(void* view, SoPath* path) {
@@ -147,27 +157,4 @@ void SoVantleTreeView::showSelectedPath(SoPath* path) {
     clearSelection();
   }
   m_inSelectedPath = false;
-}
-
-void SoVantleTreeView::setPickAction(SbViewportRegion const& region, SbVec2s position, SoNode* root) {
-  SoRayPickAction pick(region);
-  pick.setPoint(position);
-  pick.setRadius(VntServicesImpl::isInstance() ? VntServicesImpl::getImplInstance()->getPickRadius()
-                                               : PICK_RADIUS);
-  // The camera that the user looks through may stand outside of the scene.
-  SoSceneManager const* const manager =
-      VntServicesImpl::isInstance() ? VntServices::getInstance()->getSceneManager() : nullptr;
-  if (manager) pick.setCamera(manager->getCamera());
-  pick.apply(root);
-  SoPickedPoint const* const point = pick.getPickedPoint();
-  if (!point) return;
-  SoPath const* const whole = point->getPath();
-  int from = 0;
-  for (int i = 0; i < whole->getLength(); ++i) {
-    if (!whole->getNode(i)->isOfType(SoSelection::getClassTypeId())) continue;
-    from = i + 1;
-    break;
-  }
-  SoRef<SoPath> const path(whole->copy(from));
-  if (SoTreeViewItem* item = getItemFromPath(path, 1)) showItem(item);
 }

@@ -1,14 +1,12 @@
-#include <QHash>
 #include <vector>
 
 #include "kestrava/nodes/SoNode.h"
-#include "vnt/QtText.h"
 #include "vantle/session/VntNodeInfo.h"
 #include "vantle/tree/SoReferencedNodeManager.h"
 #include "vantle/tree/SoTreeViewItem.h"
 #include "vantle/tree/SoVantleTreeView.h"
 
-// What goes through the rows one after the other: filter, bookmarks, search.
+// What goes through the rows one after the other: filter, bookmarks.
 
 namespace {
 
@@ -42,7 +40,10 @@ SoTreeViewItem* SoVantleTreeView::lastItem() const {
 void SoVantleTreeView::setFilter(int mask) {
   if (mask == m_filter) return;
   m_filter = mask;
+  SoTreeViewItem const* const current = currentItem();
+  bool const inSight = current && viewport()->rect().intersects(visualItemRect(current));
   filterItems();
+  if (inSight && !visualItemRect(current).isEmpty()) scrollToItem(current);
 }
 
 void SoVantleTreeView::filterItems() {
@@ -101,6 +102,19 @@ void SoVantleTreeView::hideIn(QModelIndex const& parent, int first, int end, boo
   }
 }
 
+/// For rows that have come back into the view, which knows nothing of them any more.
+void SoVantleTreeView::hideAnew(SoTreeViewItem* top) {
+  if (!m_anyFiltered && !m_everHidden) return;
+  std::vector<SoTreeViewItem*> rows{top};
+  while (!rows.empty()) {
+    SoTreeViewItem* const row = rows.back();
+    rows.pop_back();
+    row->m_hidden = false;
+    for (int i = row->childCount(); i-- > 0;) rows.push_back(row->rawChild(i));
+  }
+  markFiltered(top);
+}
+
 void SoVantleTreeView::applyFilter(QModelIndex const& parent) {
   if (m_anyFiltered || m_everHidden) hideIn(parent, 0, model()->rowCount(parent), false);
 }
@@ -135,52 +149,4 @@ SoTreeViewItem* SoVantleTreeView::findBookmark(SoTreeViewItem* start, bool backw
 
 void SoVantleTreeView::clearBookmark() {
   for (SoTreeViewItem* item = firstChild(); item; item = itemBelowInTree(item)) item->setBookmarked(false);
-}
-
-SoTreeViewItem* SoVantleTreeView::find(int mode, QString const& text, int flags) const {
-  bool const backwards = flags & FIND_BACKWARD;
-  bool const exact = flags & FIND_EXACT;
-  if (!firstChild() || (text.isEmpty() && !exact)) return nullptr;
-  Qt::CaseSensitivity const letters = flags & FIND_CASE_SENSITIVE ? Qt::CaseSensitive : Qt::CaseInsensitive;
-  QString const wanted = letters == Qt::CaseSensitive ? text : text.toLower();
-  auto const fits = [&](QString const& value) {
-    QString const own = letters == Qt::CaseSensitive ? value : value.toLower();
-    return exact ? own == wanted : own.contains(wanted);
-  };
-  // Many rows have the same few texts, and equal names are one object.
-  QHash<void const*, bool> known;
-  auto const nameFits = [&](SbName const& name) {
-    auto const found = known.constFind(name.c_str());
-    if (found != known.constEnd()) return found.value();
-    return known.insert(name.c_str(), fits(toQString(name.toString()))).value();
-  };
-  auto const matches = [&](SoTreeViewItem const* item) {
-    SoNode const* const node = item->m_node;
-    switch (mode) {
-      case FIND_TYPE:
-        return nameFits(node->getTypeId().getName());
-      case FIND_NAME:
-        return nameFits(item->getNodeName());
-      case FIND_ADDRESS:
-        return fits(QStringLiteral("0x") + QString::number(reinterpret_cast<quintptr>(node), 16));
-      case FIND_ID:
-        return fits(QString::number(node->getNodeId()));
-      default:
-        return false;
-    }
-  };
-
-  // The row after the current one first, that one last.
-  SoTreeViewItem* item = currentItem();
-  if (item) {
-    stepAround(item, backwards);
-  } else {
-    item = backwards ? lastItem() : firstChild();
-  }
-  SoTreeViewItem* const start = item;
-  do {
-    if (matches(item)) return item;
-    stepAround(item, backwards);
-  } while (item != start);
-  return nullptr;
 }

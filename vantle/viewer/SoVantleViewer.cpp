@@ -3,6 +3,7 @@
 #include <QDockWidget>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStatusBar>
 
 #include "kestrava/base/SoPreferences.h"
 #include "kestrava/nodes/SoSelection.h"
@@ -27,6 +28,8 @@ namespace {
 
 constexpr char SETTINGS[] = "/VantleViewer/VantleMainFrame";
 constexpr int NO_SIZE = 32767; // stored for a window that was maximised
+/// With a click in the 3D view. Alt belongs to many a window manager, Shift moves the view.
+constexpr Qt::KeyboardModifier LIST_KEY = Qt::ControlModifier;
 constexpr int HOST_INTERVAL = 200; // milliseconds
 /// References to the scene that are the inspector's: the viewer's and the selection node's.
 constexpr int OWN_REFERENCES = 2;
@@ -70,15 +73,11 @@ SoVantleViewer::SoVantleViewer() {
   if (services->isStandaloneApplication()) makeExaminer();
   if (!SoPreferences::getBool("PLX_LAUNCH_VANTLE", false)) chooseHighlight();
 
-  m_highlightOff = !TreeViewConfig::highlightSelectedNode(SoVantleTreeView::getTreeViewPreferencesPath());
   m_selection = new SoSelection;
   m_selection->policy.setValue(SoSelection::SINGLE);
   // The tree decides what a click in the 3D view selects.
   m_selection->setTakingClicks(false);
-  if (!isHostLaunched()) {
-    if (m_highlight) m_highlight->setVisible(!m_highlightOff);
-    services->redrawOnSelectionChange(m_highlightOff ? nullptr : m_selection.get());
-  }
+  setHighlighting(TreeViewConfig::highlightSelectedNode(SoVantleTreeView::getTreeViewPreferencesPath()));
   SoSceneManager* const manager = services->getSceneManager();
   connect(&m_hostTimer, &QTimer::timeout, this, &SoVantleViewer::lookAfterHost);
   if (manager && !services->isStandaloneApplication()) attachToHost(manager);
@@ -108,6 +107,8 @@ SoVantleViewer::SoVantleViewer() {
 
 // The panels are taken down one by one, each while what it watches is still there.
 SoVantleViewer::~SoVantleViewer() {
+  // What the user has set to ignored is not lost to the host.
+  m_treeView->enableAll();
   m_treeView->setGraphSelection(nullptr);
   m_edition.reset();
   delete m_treeView;
@@ -148,6 +149,14 @@ void SoVantleViewer::chooseHighlight() {
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   SoSceneManager* const manager = services->getSceneManager();
   if (services->isStandaloneApplication() && manager) manager->setGLRenderAction(m_highlight.get());
+}
+
+void SoVantleViewer::setHighlighting(bool on) {
+  if (isHostLaunched()) return;
+  if (m_highlight) m_highlight->setVisible(on);
+  VntServicesImpl* const services = VntServicesImpl::getImplInstance();
+  services->redrawOnSelectionChange(on ? m_selection.get() : nullptr);
+  if (SoSceneManager* manager = services->getSceneManager()) manager->scheduleRedraw();
 }
 
 /// A host's own render action stays; the mark is drawn over what it has drawn.
@@ -205,7 +214,9 @@ void SoVantleViewer::makeExaminer() {
   dock->setWidget(m_examiner->getWidget());
   m_examiner->setReportingAllClicks(true);
   connect(m_examiner.get(), &SoQtExaminerViewer::picked, this,
-          [this](SbVec2s position, SbViewportRegion const& region) { setPickAction(region, position); });
+          [this](SbVec2s position, SbViewportRegion const& region) {
+            pick(region, position, QGuiApplication::keyboardModifiers() & LIST_KEY);
+          });
   VntServicesImpl* const services = VntServicesImpl::getImplInstance();
   services->setRenderArea(m_examiner->getRenderArea());
   services->setSceneManager(m_examiner->getSceneManager());
@@ -216,32 +227,51 @@ void SoVantleViewer::setScene(SoNode* root, bool clear) {
   SoRef<SoNode> const next(root);
   m_edition->clearScene();
   if (VntServices::getInstance()->getSelectedNode()) VntServices::getInstance()->setSelectedNode(nullptr);
+  if (root != m_scene.get()) m_treeView->enableAll();
   m_selection->deselectAll();
   m_selection->removeAllChildren();
   m_scene = next;
   m_isHostsScene = m_hostIsGone = false;
   // The tree follows by itself what stands below the selection node.
+  m_treeView->setShowingProgress(true);
   if (root) m_selection->addChild(root);
+  m_treeView->setShowingProgress(false);
   m_treeView->setScene(root);
   if (clear) VntServicesImpl::getImplInstance()->getCommandManager()->clearUndoCommands();
   // Looks through the new scene's own camera, or shows all of it.
   if (m_examiner) m_examiner->setSceneGraph(m_selection);
 }
 
+// The host's window need not be Qt's: no event has told what is held there.
 void SoVantleViewer::setPickAction(SbViewportRegion const& region, SbVec2s position) {
+  pick(region, position, QGuiApplication::queryKeyboardModifiers() & LIST_KEY);
+}
+
+void SoVantleViewer::pick(SbViewportRegion const& region, SbVec2s position, bool listsAll) {
   SoSceneManager* const manager = VntServices::getInstance()->getSceneManager();
   SoNode* root = manager ? manager->getSceneGraph() : m_selection.get();
   if (!root) return;
   // The tree cuts the way to what was found behind its first selection node: that is to be the inspector's own, not
   // one of the host's.
   if (m_selection->findChild(root) >= 0) root = m_selection;
-  SoTreeViewItem const* const before = m_treeView->currentItem();
+  if (listsAll) return m_treeView->listPicked(region, position, root);
+  makePickedCurrent([&] { return m_treeView->setPickAction(region, position, root); });
+}
+
+void SoVantleViewer::showPicked(SoPath const* path) {
+  makePickedCurrent([&] {
+    SoTreeViewItem* const found = m_treeView->showPicked(path);
+    if (!found) mainFrame()->statusBar()->showMessage(tr("What was picked is not in the scene any more"), 5000);
+    return found;
+  });
+}
+
+void SoVantleViewer::makePickedCurrent(std::function<SoTreeViewItem*()> const& makeCurrent) {
   m_mode = 1;
-  m_treeView->setPickAction(region, position, root);
+  SoTreeViewItem* const found = makeCurrent();
   m_mode = 0;
   // The pick did not come from a selection: what was found is marked now.
-  SoTreeViewItem* const found = m_treeView->currentItem();
-  if (SoVantleTreeView::isAutoHighlight() && found != before) m_treeView->highlightPath(found);
+  if (found && SoVantleTreeView::isAutoHighlight()) m_treeView->highlightPath(found);
 }
 
 // Window settings.

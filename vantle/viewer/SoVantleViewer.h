@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "kestrava/base/SbForward.h"
@@ -20,6 +21,7 @@ class SoHighlightRenderAction;
 class SoQtExaminerViewer;
 class SoSceneManager;
 class SoSelection;
+class SoTreeViewItem;
 class SoVantleEdition;
 class SoVantleMainFrame;
 class SoVantleTreeView;
@@ -60,7 +62,13 @@ class SoVantleViewer : public QObject {
 
   /// 1 while a row is made current because of a pick in the 3D view, otherwise 0.
   int getMode() const { return m_mode; }
+  /// What the user clicks: goes to the row of what lies there, or lists all that does when the control key is
+  /// held.
   void setPickAction(SbViewportRegion const& region, SbVec2s position);
+  /// Goes to the row of what was picked a while ago, when it is still in the scene.
+  void showPicked(SoPath const* path);
+  /// Whether what is selected is marked in the 3D view.
+  void setHighlighting(bool on);
 
   void fileLoad(QString const& name);
   void fileLoad(SoInput& in);
@@ -93,6 +101,8 @@ class SoVantleViewer : public QObject {
   SoVantleMainFrame* mainFrame() const;
   QDockWidget* makeDock(char const* name, QString const& title, Qt::DockWidgetArea area);
   void makeExaminer();
+  void pick(SbViewportRegion const& region, SbVec2s position, bool listsAll);
+  void makePickedCurrent(std::function<SoTreeViewItem*()> const& makeCurrent);
   void chooseHighlight();
   void attachToHost(SoSceneManager* manager);
   static void hostIsGone(void* data, SoSensor* sensor);
@@ -113,7 +123,6 @@ class SoVantleViewer : public QObject {
   QList<QString> m_recentFiles; // latest first
   std::unique_ptr<QString> m_readError;
   int m_mode = 0;
-  bool m_highlightOff = false;
   SoNodeSensor m_hostSensor; // on the host's scene manager, whose picture shows the highlight
   SoNodeSensor m_areaSensor; // on the host's render area
   QTimer m_hostTimer;

@@ -24,6 +24,8 @@
 #include "vnt/QtText.h"
 #include "vantle/session/VantleMessageBox.h"
 #include "vantle/session/VntServicesImpl.h"
+#include "vantle/tree/SoVantleTreeView.h"
+#include "vantle/tree/SoVantleTreeView.h"
 #include "vantle/viewer/SoVantleViewer.h"
 
 namespace {
@@ -234,6 +236,12 @@ bool SoVantleViewer::fileWrite(SoNode* node, SbString const& name, WriteFileType
   SoWriteAction(&out).apply(node);
   // Until here the old file stands untouched.
   if (!out.closeFile()) return complain(toQString(out.getErrorText()));
+  QStringList const ignored = m_treeView->ignoredBelow(node);
+  if (!ignored.isEmpty()) {
+    VantleMessageBox::information(
+        mainFrame(), tr("Vantle -- Ignored Nodes"),
+        tr("%1 was written without what is set to ignored:\n%2").arg(toQString(name), ignored.join('\n')));
+  }
   if (becomesScene) setScene(node, true);
   return true;
 }
