@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "kestrava/base/SoError.h"
+#include "kestrava/base/SoPreferences.h"
 #include "kestrava/nodes/SoAnnotation.h"
 #include "kestrava/nodes/SoCallback.h"
 #include "kestrava/nodes/SoCamera.h"
@@ -125,8 +126,13 @@ size_t hashOf(SoDrawLook const& look) {
 }
 
 /// A graph that shares much may have more places than anybody can draw, or wait for.
-constexpr int MAX_ITEMS = 4'000'000;
-constexpr int MAX_VISITS = 30'000'000;
+constexpr int DEFAULT_MAX_SHAPES = 1'000'000;
+constexpr int MAX_VISITS = 10'000'000;
+
+size_t maxShapes() {
+  static int const shapes = SoPreferences::getInt("KSV_MAX_SHAPES", DEFAULT_MAX_SHAPES);
+  return static_cast<size_t>(std::max(shapes, 1));
+}
 
 /// What a node means beside what every action does at it.
 enum class Role : char { ORDINARY, CAMERA, VIEW_DEPENDENT, CALLBACK };
@@ -173,12 +179,13 @@ void SoDrawListAction::end() {
 }
 
 void SoDrawListAction::visit(SoNode* node) {
-  if (++m_numVisits > MAX_VISITS || m_list.m_items.size() >= MAX_ITEMS) {
+  if (++m_numVisits > MAX_VISITS || m_list.m_items.size() >= maxShapes()) {
     static std::atomic<bool> reported{false};
     if (!reported.exchange(true)) {
       SoDebugError::postWarning("SoGLRenderAction",
-                                "the scene is drawn in part: it has more than %d shapes or %d places of nodes",
-                                MAX_ITEMS, MAX_VISITS);
+                                "the scene is drawn in part: it has more than %zu shapes (KSV_MAX_SHAPES) or %d "
+                                "places of nodes",
+                                maxShapes(), MAX_VISITS);
     }
     return terminate();
   }

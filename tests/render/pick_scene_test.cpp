@@ -2,6 +2,8 @@
 
 #include "kestrava/actions/SoRayPickAction.h"
 #include "kestrava/nodes/SoCallback.h"
+#include "kestrava/nodes/SoCube.h"
+#include "kestrava/nodes/SoGroup.h"
 #include "kestrava/nodes/SoPerspectiveCamera.h"
 #include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoTranslation.h"
@@ -343,6 +345,31 @@ TEST(PickScene, APreparedListServesAndIsBroughtUpToDate) {
   pick.setCamera(far);
   EXPECT_NEAR(distance(), 9, 0.05f);
   EXPECT_EQ(action->getDrawList().getNumRebuilds(), before + 1);
+}
+
+TEST(PickScene, AGraphOfMorePlacesThanAnybodyCanDraw) {
+  SoRef<SoNode> below(new SoCube);
+  for (int i = 0; i < 30; ++i) {
+    auto* const above = new SoGroup;
+    above->addChild(below);
+    above->addChild(below);
+    below = SoRef<SoNode>(above);
+  }
+  SoDrawList list;
+  SoDrawList::View view;
+  view.region = SbViewportRegion(100, 100);
+  list.update(below, view);
+  EXPECT_EQ(list.getItems().size(), 1'000'000u);
+  // Without anything to draw it comes to an end as well.
+  SoRef<SoNode> empty(new SoGroup);
+  for (int i = 0; i < 30; ++i) {
+    auto* const above = new SoGroup;
+    above->addChild(empty);
+    above->addChild(empty);
+    empty = SoRef<SoNode>(above);
+  }
+  list.update(empty, view);
+  EXPECT_TRUE(list.getItems().empty());
 }
 
 } // namespace

@@ -284,19 +284,23 @@ QStringList SoVantleTreeView::ignoredBelow(SoNode* node) const {
 
 void SoVantleTreeView::enableAll() {
   SoIgnoredNodes& nodes = m_topology->ignoredNodes();
+  auto const rowOf = [&](SoIgnoredNodes::Entry const* entry) -> SoTreeViewItem* {
+    for (SoTreeViewItem* above : m_references->rowsOf(entry->parent)) {
+      for (int i = 0, n = above->childCount(); i < n; ++i) {
+        if (nodes.find(above->rawChild(i)) == entry) return above->rawChild(i);
+      }
+    }
+    return nullptr;
+  };
   while (!nodes.isEmpty()) {
     SoIgnoredNodes::Entry* const entry = nodes.all().back();
     SoRef<SoNode> const parent(entry->parent);
-    SoTreeViewItem* row = nullptr;
-    for (SoTreeViewItem* above : m_references->rowsOf(parent)) {
-      for (int i = 0, n = above->childCount(); i < n && !row; ++i) {
-        if (nodes.find(above->rawChild(i)) == entry) row = above->rawChild(i);
-      }
-    }
+    SoTreeViewItem* row = rowOf(entry);
     if (row && changeSceneItemState(true, row)) continue;
     // The place where it belongs has no row, or is taken by now.
     SoSFNode const* const single = singleOf(entry->field);
     if (!row && !(single && single->getValue())) insertAt(parent, entry->field, entry->node, entry->place);
+    while ((row = rowOf(entry))) delete row;
     nodes.remove(entry);
   }
 }
