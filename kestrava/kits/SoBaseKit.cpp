@@ -129,12 +129,22 @@ SoNode* SoBaseKit::getPart(SbString const& name, bool makeIfNeeded) {
   return place.kit->make(*place.part);
 }
 
+/// A node may have got hold of a group of the kit that it is to stand below.
+bool SoBaseKit::containsPartAbove(SoKitPart const& part, SoNode const* node) const {
+  SoNodekitCatalog const& catalog = getNodekitCatalog();
+  for (int i = catalog.getParentPartNumber(part.getName()); i > 0; i = catalog.getParentPartNumber(i)) {
+    auto const* above = dynamic_cast<SoKitPart const*>(getField(catalog.getName(i)));
+    if (above && above->getValue() && closesCircle(above->getValue(), node)) return true;
+  }
+  return false;
+}
+
 bool SoBaseKit::accepts(SoKitPart const& part, SoNode const* node, SbString const& name) const {
   if (!node) return true;
   char const* reason = nullptr;
   if (!node->isOfType(part.getPartType())) {
     reason = "takes no nodes of type";
-  } else if (closesCircle(this, node)) {
+  } else if (closesCircle(this, node) || containsPartAbove(part, node)) {
     reason = "would contain its own kit through a node of type";
   }
   if (reason) {
@@ -166,11 +176,7 @@ void SoBaseKit::fieldChanged(SoField* field) {
   auto* part = dynamic_cast<SoKitPart*>(field);
   if (!part || m_arranging) return;
   SoNode* const node = part->getValue();
-  if (node && !node->isOfType(part->getPartType())) {
-    SoDebugError::post("SoBaseKit", "the part '%s' of %s takes no nodes of type %s", part->getName().c_str(),
-                       getTypeId().getName().c_str(), node->getTypeId().getName().c_str());
-    part->holdQuietly(nullptr);
-  }
+  if (node && !accepts(*part, node, part->getName().toString())) part->holdQuietly(nullptr);
   if (auto* list = dynamic_cast<SoNodeKitListPart*>(part->getValue())) {
     list->setItemType(part->getItemType());
     SoType const container = part->getContainerType();

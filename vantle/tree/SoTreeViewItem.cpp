@@ -104,9 +104,18 @@ SbName SoTreeViewItem::partNameBelow(SoBaseKit* kit, SoNode* node, SoField* fiel
   return SbName();
 }
 
+/// The place among the neighbours that are in the scene.
+int SoTreeViewItem::placeInScene() const {
+  int place = getSceneIndex();
+  if (parent() && parent()->m_hasRowsOutOfScene) {
+    for (int i = row(); i-- > 0;) place -= !parent()->rawChild(i)->m_inSceneGraph;
+  }
+  return place;
+}
+
 /// The name that a row further down in its kit has because its node is a part of that, too.
 bool SoTreeViewItem::hasPartNameOf(SbName& name) const {
-  name = parent()->partNameBelow(kitItem()->baseKit, m_node, m_field, getSceneIndex(), parent()->parent());
+  name = parent()->partNameBelow(kitItem()->baseKit, m_node, m_field, placeInScene(), parent()->parent());
   return name == partName();
 }
 
@@ -227,7 +236,7 @@ SbName SoTreeViewItem::partName() const {
   if (!baseKitPart()) return SbName();
   KitItem* const item = kitItem();
   // Entries of a list are counted anew when others come and go.
-  int const index = item->listEntry < 0 ? -1 : getSceneIndex();
+  int const index = item->listEntry < 0 ? -1 : placeInScene();
   if (index >= 0 && index != item->listEntry) {
     std::string const& old = item->partName.str();
     item->partName =

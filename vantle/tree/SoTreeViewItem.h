@@ -150,6 +150,7 @@ class SoTreeViewItem : public QTreeWidgetItem {
   SbName partNameBelow(SoBaseKit* kit, SoNode* node, SoField* field, int sceneIndex,
                        SoTreeViewItem const* list) const;
   bool hasPartNameOf(SbName& name) const;
+  int placeInScene() const;
   void construct(SoBaseKit* kit, SoTreeViewItem const* parentRow);
   KitItem* kitItem() const { return m_private ? m_private->kitItem.get() : nullptr; }
   int shownRefCount() const;

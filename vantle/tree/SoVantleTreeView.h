@@ -302,6 +302,7 @@ class SoVantleTreeView : public QTreeWidget {
   bool takeOut(SoTreeViewItem* item);
   bool putBack(SoTreeViewItem* item);
   void restoreIgnoredRows(SoTreeViewItem* row, SoTreeViewItem const* above);
+  void restoreIgnoredBelow(SoTreeViewItem* top);
   /// A row and all rows below it, outside of the view.
   SoTreeViewItem* makeRows(SoNode* node, SoTreeViewItem* parent, SoField* field, int sceneIndex);
   void numbered(SoTreeViewItem* parent, SoTreeViewItem* row, int position);

@@ -127,9 +127,9 @@ int ordinalOf(SoTreeViewItem const* row) {
   return before;
 }
 
-/// Whether a row shows a node, or one above it does.
-bool isBelow(SoTreeViewItem const* row, SoNode const* node) {
-  while (row && row->getNode() != node) row = row->parent();
+/// Whether a row or one above it is ignored.
+bool isBelowIgnored(SoTreeViewItem const* row) {
+  while (row && !row->isIgnored()) row = row->parent();
   return row;
 }
 
@@ -232,15 +232,21 @@ bool SoVantleTreeView::putBack(SoTreeViewItem* item) {
     inGraph -= row->m_inSceneGraph && row->m_node == node.get() && row->m_field == field;
   }
   if (inGraph <= 0 && !insertAt(parent, field, node, placeToReturn(item))) return false;
+  std::vector<SoTreeViewItem*> restored;
   // The change may have had consequences.
   for (SoTreeViewItem* above : m_references->rowsOf(parent)) {
     SoTreeViewItem* const row = ignoredChild(above, node, field, ordinal);
     if (!row) continue;
     row->setIgnoreFlag(false);
     setSubTreeEnable(row, true);
+    restored.push_back(row);
   }
   std::vector<SoIgnoredNodes::Entry*> const left = nodes.all();
   if (std::find(left.begin(), left.end(), entry) != left.end()) nodes.remove(entry);
+  unsigned const removals = m_references->removals();
+  for (SoTreeViewItem* row : restored) {
+    if (removals == m_references->removals()) restoreIgnoredBelow(row);
+  }
   m_topology->redrawItemChildrens(parent);
   viewport()->update();
   return true;
@@ -251,21 +257,36 @@ void SoVantleTreeView::setSubTreeEnable(SoTreeViewItem* item, bool enable) {
   for (int i = 0, n = item->childCount(); i < n; ++i) item->rawChild(i)->setDisabled(!enable);
 }
 
-/// The ignored rows below a row that has just been built, and stands or is to stand below `above`.
+/// The ignored rows below a row that has none of them yet and stands, or is to stand, below `above`. Not below an
+/// ignored row: out of the graph anything may have come below anything, and they come when that row is enabled.
 void SoVantleTreeView::restoreIgnoredRows(SoTreeViewItem* row, SoTreeViewItem const* above) {
-  if (m_topology->ignoredNodes().isEmpty()) return;
+  if (m_topology->ignoredNodes().isEmpty() || isBelowIgnored(row) || isBelowIgnored(above)) return;
   for (SoIgnoredNodes::Entry const* entry : m_topology->ignoredNodes().below(row->m_node)) {
-    // Out of the graph a node may have come above the one that it was taken from.
-    if (isBelow(row, entry->node) || isBelow(above, entry->node)) continue;
     auto* const added =
         new SoTreeViewItem(entry->node, entry->field, row, -1, row->parent() ? row->parent() : above);
     m_references->addItem(added);
     row->insertChild(std::min(entry->place, row->childCount()), added);
     row->sceneIndicesChanged();
-    buildBelow(added, above);
     added->setIgnoreFlag(true);
+    buildBelow(added, above);
     setSubTreeEnable(added, false);
-    if (row->m_ignored) added->setDisabled(true);
+  }
+}
+
+/// For a row that is not ignored any more.
+void SoVantleTreeView::restoreIgnoredBelow(SoTreeViewItem* top) {
+  if (m_topology->ignoredNodes().isEmpty()) return;
+  std::vector<SoTreeViewItem*> rows{top};
+  while (!rows.empty()) {
+    SoTreeViewItem* const row = rows.back();
+    rows.pop_back();
+    bool hasAny = false;
+    for (int i = row->childCount(); i-- > 0;) {
+      SoTreeViewItem* const child = row->rawChild(i);
+      hasAny |= child->m_ignored;
+      if (!child->m_ignored) rows.push_back(child);
+    }
+    if (!hasAny && !row->m_unbuilt) restoreIgnoredRows(row, nullptr);
   }
 }
 
