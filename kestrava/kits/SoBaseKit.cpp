@@ -129,12 +129,22 @@ SoNode* SoBaseKit::getPart(SbString const& name, bool makeIfNeeded) {
   return place.kit->make(*place.part);
 }
 
-/// A node may have got hold of a group of the kit that it is to stand below.
-bool SoBaseKit::containsPartAbove(SoKitPart const& part, SoNode const* node) const {
+/// A node may have got hold of a group of the kit that it is to stand below, or stand below a part that it is to hold.
+bool SoBaseKit::closesCircleOfParts(SoKitPart const& part, SoNode const* node) const {
   SoNodekitCatalog const& catalog = getNodekitCatalog();
-  for (int i = catalog.getParentPartNumber(part.getName()); i > 0; i = catalog.getParentPartNumber(i)) {
-    auto const* above = dynamic_cast<SoKitPart const*>(getField(catalog.getName(i)));
-    if (above && above->getValue() && closesCircle(above->getValue(), node)) return true;
+  int const number = catalog.getPartNumber(part.getName());
+  auto const valueOf = [&](int i) -> SoNode const* {
+    auto const* other = dynamic_cast<SoKitPart const*>(getField(catalog.getName(i)));
+    return other ? other->getValue() : nullptr;
+  };
+  for (int i = catalog.getParentPartNumber(number); i > 0; i = catalog.getParentPartNumber(i)) {
+    if (SoNode const* above = valueOf(i); above && closesCircle(above, node)) return true;
+  }
+  for (int i = 1; i < catalog.getNumEntries(); ++i) {
+    int above = catalog.getParentPartNumber(i);
+    while (above > 0 && above != number) above = catalog.getParentPartNumber(above);
+    if (above != number) continue;
+    if (SoNode const* below = valueOf(i); below && closesCircle(node, below)) return true;
   }
   return false;
 }
@@ -144,7 +154,7 @@ bool SoBaseKit::accepts(SoKitPart const& part, SoNode const* node, SbString cons
   char const* reason = nullptr;
   if (!node->isOfType(part.getPartType())) {
     reason = "takes no nodes of type";
-  } else if (closesCircle(this, node) || containsPartAbove(part, node)) {
+  } else if (closesCircle(this, node) || closesCircleOfParts(part, node)) {
     reason = "would contain its own kit through a node of type";
   }
   if (reason) {

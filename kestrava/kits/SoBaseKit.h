@@ -41,7 +41,7 @@ class SoBaseKit : public SoNode {
   SoKitPart* findPart(SbName const& name) const;
   SoNode* make(SoKitPart& part);
   bool resolve(SbString const& name, bool make, Place& place);
-  bool containsPartAbove(SoKitPart const& part, SoNode const* node) const;
+  bool closesCircleOfParts(SoKitPart const& part, SoNode const* node) const;
   bool accepts(SoKitPart const& part, SoNode const* node, SbString const& name) const;
   void arrangeChildren(SbName const& parent);
 

@@ -4,10 +4,12 @@
 #include "kestrava/kits/SoNodeKitListPart.h"
 #include "kestrava/kits/SoSceneKit.h"
 #include "kestrava/kits/SoShapeKit.h"
+#include "kestrava/kits/SoWrapperKit.h"
 #include "kestrava/nodes/SoClipPlaneManip.h"
 #include "kestrava/nodes/SoColorIndex.h"
 #include "kestrava/nodes/SoDirectionalLightManip.h"
 #include "kestrava/nodes/SoMaterial.h"
+#include "kestrava/nodes/SoSeparator.h"
 #include "kestrava/nodes/SoSelection.h"
 #include "kestrava/nodes/SoSphere.h"
 #include "kestrava/nodes/SoSwitch.h"
@@ -31,6 +33,28 @@ std::vector<SoNode*> directParts(SoBaseKit const* kit) {
     if (catalog.getParentPartNumber(i) == 0 && field->getValue()) parts.push_back(field->getValue());
   }
   return parts;
+}
+
+TEST(NodesKits, APartMayNotCloseACircleWithTheOthers) {
+  SoRef<SoWrapperKit> const kit(new SoWrapperKit);
+  kit->getPart("transform", true);
+  SoNode* const top = static_cast<SoSFNode*>(kit->getField("topSeparator"))->getValue();
+  ASSERT_NE(top, nullptr);
+  SoRef<SoGroup> const holder(new SoGroup);
+  holder->addChild(top);
+  DebugErrors errors;
+  auto* const outer = new SoSeparator;
+  outer->addChild(holder);
+  EXPECT_FALSE(kit->setPart("contents", outer)) << "the group of the kit that it would stand below is in it";
+  EXPECT_EQ(kit->getPart("contents", false), nullptr);
+
+  auto* const contents = new SoSeparator;
+  SoRef<SoSeparator> const below(new SoSeparator);
+  contents->addChild(below);
+  ASSERT_TRUE(kit->setPart("contents", contents));
+  static_cast<SoSFNode*>(kit->getField("topSeparator"))->setValue(below);
+  EXPECT_FALSE(SoNode::closesCircle(contents, below) && SoNode::closesCircle(below, contents));
+  EXPECT_EQ(errors.texts.size(), 2u);
 }
 
 } // namespace

@@ -112,7 +112,8 @@ void SoReferencedNodeManager::renameParts(SoBaseKit* kit) {
             row->parent() && row->parent()->getNode()->isOfType(SoNodeKitListPart::getClassTypeId());
         bool const concerned =
             !isField && (isEntry || child->baseKitPart() || parts.contains(child->getNode()));
-        if (!concerned || child->hasPartNameOf(name)) continue;
+        // One that is out of the scene has no place; it is named when it comes back.
+        if (!concerned || !child->isInSceneGraph() || child->hasPartNameOf(name)) continue;
         removeFromNodeMap(child);
         *child->kitItem() = SoTreeViewItemPrivate::SoBaseKitItemPrivate(kit, name);
         addToNodeMap(child);

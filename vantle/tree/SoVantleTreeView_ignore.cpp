@@ -248,6 +248,8 @@ bool SoVantleTreeView::putBack(SoTreeViewItem* item) {
     if (removals == m_references->removals()) restoreIgnoredBelow(row);
   }
   m_topology->redrawItemChildrens(parent);
+  if (SoTreeViewItem const* row = m_references->findItem(node); row && row->getBaseKit())
+    m_references->renameParts(row->getBaseKit());
   viewport()->update();
   return true;
 }
@@ -257,13 +259,14 @@ void SoVantleTreeView::setSubTreeEnable(SoTreeViewItem* item, bool enable) {
   for (int i = 0, n = item->childCount(); i < n; ++i) item->rawChild(i)->setDisabled(!enable);
 }
 
-/// The ignored rows below a row that has none of them yet and stands, or is to stand, below `above`. Not below an
-/// ignored row: out of the graph anything may have come below anything, and they come when that row is enabled.
+/// The ignored rows below a row that has none of them yet and stands, or is to stand, below `above`. Not
+/// below an ignored row: out of the graph anything may have come below anything, and they come when that row
+/// is enabled.
 void SoVantleTreeView::restoreIgnoredRows(SoTreeViewItem* row, SoTreeViewItem const* above) {
   if (m_topology->ignoredNodes().isEmpty() || isBelowIgnored(row) || isBelowIgnored(above)) return;
   for (SoIgnoredNodes::Entry const* entry : m_topology->ignoredNodes().below(row->m_node)) {
-    auto* const added =
-        new SoTreeViewItem(entry->node, entry->field, row, -1, row->parent() ? row->parent() : above);
+    auto* const added = new SoTreeViewItem(entry->node, entry->field, row, entry->place,
+                                           row->parent() ? row->parent() : above);
     m_references->addItem(added);
     row->insertChild(std::min(entry->place, row->childCount()), added);
     row->sceneIndicesChanged();
@@ -288,6 +291,7 @@ void SoVantleTreeView::restoreIgnoredBelow(SoTreeViewItem* top) {
     }
     if (!hasAny && !row->m_unbuilt) restoreIgnoredRows(row, nullptr);
   }
+  markFiltered(top);
 }
 
 QStringList SoVantleTreeView::ignoredBelow(SoNode* node) const {
@@ -323,5 +327,6 @@ void SoVantleTreeView::enableAll() {
     if (!row && !(single && single->getValue())) insertAt(parent, entry->field, entry->node, entry->place);
     while ((row = rowOf(entry))) delete row;
     nodes.remove(entry);
+    m_topology->redrawItemChildrens(parent);
   }
 }
