@@ -51,7 +51,7 @@ TEST_F(TableTest, AMillionValuesAreADayLikeAnyOther) {
               services->setSelectedField(&node->point);
               find<QTableView>("table")->viewport()->repaint();
             }),
-            100);
+            500);
   edit(node, "point");
   ASSERT_EQ(table()->model()->rowCount(), COUNT);
   QScrollBar* const bar = table()->verticalScrollBar();
