@@ -1,6 +1,7 @@
 #include "vantle/tree/SoVantleTreeView.h"
 
 #include <QHeaderView>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QShortcut>
 
@@ -208,6 +209,12 @@ void SoVantleTreeView::updateGeometries() {
   // Of the same height as all others.
   if (!top.isEmpty() && top.top() != 0)
     verticalScrollBar()->setValue(verticalScrollBar()->value() + top.top() / top.height());
+}
+
+// The columns fit what is in sight, which is more in a taller view.
+void SoVantleTreeView::resizeEvent(QResizeEvent* event) {
+  QTreeWidget::resizeEvent(event);
+  if (event->size().height() > event->oldSize().height()) resizeAllColumns();
 }
 
 void SoVantleTreeView::drawBranches(QPainter* painter, QRect const& rect, QModelIndex const& index) const {

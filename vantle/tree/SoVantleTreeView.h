@@ -239,6 +239,7 @@ class SoVantleTreeView : public QTreeWidget {
   void hideEvent(QHideEvent* event) override;
   void drawRow(QPainter* painter, QStyleOptionViewItem const& option, QModelIndex const& index) const override;
   void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
