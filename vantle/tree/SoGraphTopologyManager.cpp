@@ -111,7 +111,10 @@ void SoGraphTopologyManager::showScene(SoNode* scene) {
   auto const* const root = dynamic_cast<SoGroup const*>(getRootNode());
   if (root && root->findChild(scene) < 0) scene = root->getNumChildren() > 0 ? root->getChild(0) : nullptr;
   SoTreeViewItem const* const shown = m_view->firstChild();
-  if (!shown || shown->getNode() != scene || !scene) m_view->initTree(scene);
+  if (shown && scene && shown->getNode() == scene) return;
+  // Everything is built from the graph as it is now.
+  m_silentChanges = SoFieldContainer::getSilentChanges();
+  m_view->initTree(scene);
 }
 
 void SoGraphTopologyManager::groupAddChild(SoNode* group, SoNode* child, int index, SoPath* path) {
@@ -233,8 +236,10 @@ void SoGraphTopologyManager::redrawItemChildrens(SoNode* node) {
 void SoGraphTopologyManager::redrawAllBelow(SoNode* node) {
   std::uint64_t const silent = SoFieldContainer::getSilentChanges();
   if (silent == m_silentChanges) return;
-  bool const isAll = node == getRootNode();
-  std::vector<SoNode*> nodes{isAll ? (m_view->firstChild() ? m_view->firstChild()->getNode() : nullptr) : node};
+  SoTreeViewItem const* const top = m_view->firstChild();
+  SoNode* const scene = top ? top->getNode() : nullptr;
+  bool const isAll = node == getRootNode() || node == scene;
+  std::vector<SoNode*> nodes{isAll ? scene : node};
   std::unordered_set<SoNode*> known(nodes.begin(), nodes.end());
   // Each node once: all its rows are changed together.
   while (!nodes.empty()) {

@@ -229,6 +229,7 @@ void SoVantleTreeView::checkNodeFields(SoNode* node, SoTreeViewItem* item) {
 
 void SoVantleTreeView::initTree(SoNode* root) {
   int const build = ++m_builds;
+  QPointer<SoVantleTreeView> const self(this);
   m_loading = true;
   clear();
   m_references->reset();
@@ -239,7 +240,7 @@ void SoVantleTreeView::initTree(SoNode* root) {
       insertItem(root, nullptr, nullptr, 0);
     }
     // Events that came in meanwhile may have brought the next scene.
-    if (build != m_builds) return;
+    if (!self || build != m_builds) return;
   }
   if (SoTreeViewItem* const row = firstChild()) {
     showInOverview(row);
